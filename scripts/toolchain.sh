@@ -1,0 +1,39 @@
+# Sourced by the scripts here: installs what is missing, and runs builds quietly.
+
+# Makes sure that each tool or file is there: need NAME=PACKAGE ...
+# A NAME with a slash is a file, any other a command.
+need() {
+  local pair name packages=()
+  for pair in "$@"; do
+    name=${pair%%=*}
+    case $name in
+      */*) [ -e "$name" ] || packages+=("${pair#*=}") ;;
+      *) command -v "$name" >/dev/null 2>&1 || packages+=("${pair#*=}") ;;
+    esac
+  done
+  [ ${#packages[@]} -gt 0 ] || return 0
+  if ! command -v apt-get >/dev/null 2>&1 || [ "$(id -u)" != 0 ]; then
+    echo "missing packages, install them first: ${packages[*]}" >&2
+    return 1
+  fi
+  echo "installing ${packages[*]}"
+  export DEBIAN_FRONTEND=noninteractive
+  quietly apt-get update || return 1
+  quietly apt-get install -y --no-install-recommends "${packages[@]}"
+}
+
+# Runs a command and shows its output only if it fails.
+quietly() {
+  local log
+  log=$(mktemp)
+  if "$@" >"$log" 2>&1; then
+    rm -f "$log"
+  else
+    cat "$log" >&2
+    rm -f "$log"
+    return 1
+  fi
+}
+
+compiler=(g++=g++ cmake=cmake make=make)
+gtest=(/usr/include/gtest/gtest.h=libgtest-dev)

@@ -1,0 +1,69 @@
+// Free functions on strings. Narrow strings hold UTF-8 or raw bytes, wide strings one code point
+// in each character. Most change their argument; several answer in a way of their own, which is
+// said where they are declared. None throws but for lack of memory, none prints.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace zk {
+
+// Removes blanks, tabs, CR and LF from both ends. False if the text was empty or is now.
+bool trim(std::string& text);
+
+// Removes, in this order and each once: blanks at both ends, tabs at both ends, every CR at the
+// end, every LF at the end. So "x\n\r" loses both, and "x\r\n" keeps its CR. False if nothing but
+// blanks, or behind them nothing but tabs, was there; the text is then empty.
+bool trim_wide(std::wstring& text);
+
+// Removes every CR and LF at the end, in any order. Returns how many.
+size_t strip_line_end(std::string& text);
+
+// Removes every "/" and "\" at the end.
+void strip_trailing_slashes(std::wstring& text);
+
+// Cuts the text behind its last character that isn't NUL. A text of NULs alone stays. Always true.
+bool drop_trailing_nuls(std::string& text);
+
+// Removes the last `count` characters, or all if there are fewer. False, and no change, if the
+// text is empty or `count` isn't positive.
+bool drop_last(std::string& text, int count);
+
+// Change case byte by byte (characters for the wide form) and return their argument. Bytes above
+// 0x7F stay, so UTF-8 isn't harmed.
+std::string& to_lower(std::string& text);
+std::string& to_upper(std::string& text);
+std::wstring& to_lower_wide(std::wstring& text);
+
+// Whether both are equal but for case. Where the lengths agree, both arguments are lower-cased in
+// place; where they don't, both stay.
+bool equal_ignore_case(std::string& a, std::string& b);
+
+// Copies at most `length` bytes, up to a NUL, into `out`, which is emptied first. Bytes from 0x20
+// to 0x7E are kept, and CR and LF with `keep_line_ends`; any other becomes `replacement`, or is
+// dropped if that is 0. False if `bytes` is null or `length` 0.
+bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, bool keep_line_ends,
+                    uint8_t replacement);
+
+// Overwrites each `from` with `to`; with `ignore_case` both cases of `from`.
+void replace_char(std::string& text, char from, char to, bool ignore_case = false);
+void replace_char_wide(std::wstring& text, wchar_t from, wchar_t to, bool ignore_case = false);
+
+// Replaces the first `what` by `with`. False if there is none. With `ignore_case` the search runs
+// on a lower-cased copy, and `what` is lower-cased in place.
+bool replace_first(std::string& text, std::string& what, const std::string& with,
+                   bool ignore_case = false);
+
+// Remove every such character. Return how many.
+size_t remove_char(std::string& text, char unwanted);
+size_t remove_char_wide(std::wstring& text, wchar_t unwanted);
+
+// The pieces of `text` between any of the characters in `separators`, each trimmed by the trim of
+// its kind, empty ones dropped.
+std::vector<std::string> split_trimmed(std::string_view text, std::string_view separators);
+std::vector<std::wstring> split_trimmed_wide(std::wstring_view text, std::wstring_view separators);
+
+}  // namespace zk

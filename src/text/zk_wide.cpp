@@ -1,0 +1,72 @@
+#include "text/zk_wide.h"
+
+#include <cstdint>
+
+namespace zk {
+
+bool decode_utf8(std::string_view text, std::wstring& out) {
+  out.clear();
+  out.reserve(text.size());
+  for (size_t i = 0; i < text.size();) {
+    const auto lead = static_cast<uint8_t>(text[i++]);
+    uint32_t code = lead;
+    int following = 0;
+    if (lead >= 0x80) {
+      if ((lead & 0xE0) == 0xC0) {
+        following = 1;
+        code = lead & 0x1F;
+      } else if ((lead & 0xF0) == 0xE0) {
+        following = 2;
+        code = lead & 0x0F;
+      } else if ((lead & 0xF8) == 0xF0) {
+        following = 3;
+        code = lead & 0x07;
+      } else {
+        return false;
+      }
+    }
+    for (; following > 0; --following) {
+      if (i == text.size()) return false;
+      const auto next = static_cast<uint8_t>(text[i++]);
+      if ((next & 0xC0) != 0x80) return false;
+      code = code << 6 | (next & 0x3F);
+    }
+    out.push_back(static_cast<wchar_t>(code));
+  }
+  return true;
+}
+
+std::wstring utf8_to_wide(std::string_view text) {
+  std::wstring wide;
+  if (!decode_utf8(text, wide)) wide.clear();
+  return wide;
+}
+
+std::string wide_to_utf8(std::wstring_view text) {
+  std::string out;
+  out.reserve(text.size());
+  const auto put = [&](uint32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto put_following = [&](uint32_t code, int shift) {
+    for (; shift >= 0; shift -= 6) put(0x80 | (code >> shift & 0x3F));
+  };
+  for (const wchar_t character : text) {
+    const auto code = static_cast<uint32_t>(character);
+    if (code <= 0x7F) {
+      put(code);
+    } else if (code <= 0x7FF) {
+      put(0xC0 | code >> 6);
+      put_following(code, 0);
+    } else if (code <= 0xFFFF) {
+      put(0xE0 | code >> 12);
+      put_following(code, 6);
+    } else if (code <= 0x10FFFF) {
+      put(0xF0 | code >> 18);
+      put_following(code, 12);
+    } else {
+      break;
+    }
+  }
+  return out;
+}
+
+}  // namespace zk

@@ -1,0 +1,271 @@
+#include "uni/fileio.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "text/zk_number.h"
+#include "text/zk_string.h"
+#include "text/zk_wide.h"
+#include "uni/fileio_output.h"
+
+namespace uni {
+namespace {
+
+constexpr int64_t proc_file_size = 262144;
+constexpr size_t largest_read = 0x10000000;  // 256 MiB, what one system call takes for certain
+
+fileio::access access_for(bool write, bool truncate) {
+  if (!write) return fileio::access::read;
+  return truncate ? fileio::access::write_truncated : fileio::access::write;
+}
+
+// Resizes `out`, new bytes zero. False if there isn't the memory.
+bool resize_guarded(std::vector<uint8_t>& out, uint64_t size) {
+  try {
+    out.resize(size);
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
+}
+
+// Reads up to `count` bytes at `offset`, in pieces, until all has come or nothing more does.
+uint64_t read_fully(int fd, uint8_t* buffer, uint64_t count, uint64_t offset) {
+  uint64_t done = 0;
+  while (done < count) {
+    const size_t piece = std::min<uint64_t>(count - done, largest_read);
+    const ssize_t got = ::pread(fd, buffer + done, piece, static_cast<off_t>(offset + done));
+    if (got <= 0) break;
+    done += static_cast<uint64_t>(got);
+  }
+  return done;
+}
+
+}  // namespace
+
+fileio::fileio(std::string_view wanted, bool write, bool keep, bool truncate)
+    : fileio(zk::utf8_to_wide(wanted), write, keep, truncate) {}
+
+fileio::fileio(std::wstring wanted, bool write, bool keep, bool truncate) {
+  if (!open(std::move(wanted), write, keep, truncate)) {
+    reset();
+    keep_flag = false;
+  }
+}
+
+fileio::~fileio() {
+  close();
+}
+
+bool fileio::open(std::string_view wanted, bool write, bool keep, bool truncate) {
+  return open(zk::utf8_to_wide(wanted), write, keep, truncate);
+}
+
+bool fileio::open(std::wstring wanted, bool write, bool keep, bool truncate) {
+  if (wanted.empty() || memory_mode) return false;
+  zk::strip_trailing_slashes(wanted);
+  reset();
+  keep_flag = keep;
+  writable = write;
+  path = std::move(wanted);
+  const open_mode mode = open_mode_for(access_for(write, truncate));
+  fd = open_raw(zk::wide_to_utf8(path), mode.flags, mode.creation_mode);
+  if (fd == -1) return false;
+  opened = true;
+  cached_size = measure_size();
+  return true;
+}
+
+void fileio::open_memory(std::vector<uint8_t> bytes) {
+  close();
+  memory = std::move(bytes);
+  memory_mode = true;
+  opened = true;
+  cached_size = static_cast<int64_t>(memory.size());
+}
+
+bool fileio::is_open() const {
+  return memory_mode || (fd != -1 && opened);
+}
+
+int64_t fileio::measure_size() const {
+  if (!is_open()) return 0;
+  if (memory_mode) return static_cast<int64_t>(memory.size());
+  const off_t noted = ::lseek(fd, 0, SEEK_CUR);
+  errno = 0;
+  const off_t end = ::lseek(fd, 0, SEEK_END);
+  if (end <= 0) {
+    const bool unseekable = errno == EINVAL;
+    return unseekable && path.starts_with(L"/proc") ? proc_file_size : 0;
+  }
+  ::lseek(fd, noted, SEEK_SET);
+  return end;
+}
+
+bool fileio::read_at(void* buffer, uint32_t& count, int64_t offset) const {
+  if (!is_open() || offset < 0 || cached_size <= offset) return false;
+  const auto left = static_cast<uint64_t>(cached_size - offset);
+  const auto wanted = static_cast<uint32_t>(std::min<uint64_t>(count, left));
+  if (memory_mode) {
+    if (wanted != 0) std::memcpy(buffer, memory.data() + offset, wanted);
+    count = wanted;
+    memory_pos = static_cast<uint64_t>(offset) + wanted;
+    return true;
+  }
+  if (wanted == 0) return true;
+  const ssize_t got = ::pread(fd, buffer, wanted, offset);
+  count = static_cast<uint32_t>(got);  // -1 becomes all ones
+  return got != -1;
+}
+
+bool fileio::read_at_wide(void* buffer, uint64_t& count, int64_t offset) const {
+  bool done = false;
+  if (count <= std::numeric_limits<uint32_t>::max()) {
+    auto narrow = static_cast<uint32_t>(count);
+    done = read_at(buffer, narrow, offset);
+    count = done ? narrow : 0;
+  }
+  return done;
+}
+
+bool fileio::read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const {
+  if (!is_open() || count < 0 || offset >= static_cast<uint64_t>(cached_size)) return false;
+  if (count == 0) return true;
+  const uint64_t wanted =
+      std::min(static_cast<uint64_t>(count), static_cast<uint64_t>(cached_size) - offset);
+  if (out.size() != wanted && !resize_guarded(out, wanted)) return false;
+  if (memory_mode) {
+    std::memcpy(out.data(), memory.data() + offset, wanted);
+    memory_pos = offset + wanted;
+    return true;
+  }
+  const uint64_t done = read_fully(fd, out.data(), wanted, offset);
+  if (done != 0) out.resize(done);
+  return true;
+}
+
+bool fileio::append(const void* bytes, uint32_t count) {
+  if (!is_open() || !bytes) return false;
+  if (memory_mode) return write_at(bytes, count, memory.size());
+  if (count == 0) return true;
+  ::lseek(fd, 0, SEEK_END);
+  if (::write(fd, bytes, count) == -1) return false;
+  cached_size = ::lseek(fd, 0, SEEK_END);
+  return true;
+}
+
+bool fileio::write_at(const void* bytes, uint32_t count, uint64_t offset) {
+  if (!is_open() || !bytes) return false;
+  if (count == 0) return true;
+  if (memory_mode) {
+    const auto* from = static_cast<const uint8_t*>(bytes);
+    const uint64_t begin = std::min<uint64_t>(offset, memory.size());
+    const auto inside = static_cast<uint32_t>(std::min<uint64_t>(count, memory.size() - begin));
+    std::copy_n(from, inside, memory.begin() + static_cast<ptrdiff_t>(begin));
+    memory.insert(memory.end(), from + inside, from + count);
+    cached_size = static_cast<int64_t>(memory.size());
+    memory_pos = begin + count;
+    return true;
+  }
+  if (::pwrite(fd, bytes, count, static_cast<off_t>(offset)) == -1) return false;
+  cached_size = ::lseek(fd, 0, SEEK_END);
+  return true;
+}
+
+bool fileio::append_text(const std::ostringstream& text) {
+  const std::string bytes = text.str();
+  return bytes.empty() || append(bytes.data(), static_cast<uint32_t>(bytes.size()));
+}
+
+bool fileio::set_permissions(const std::string& mode) {
+  if (memory_mode || fd == -1) return memory_mode;
+  uint32_t number = 0;
+  zk::read_number(("0" + mode).c_str(), number);
+  return ::fchmod(fd, number) == 0;
+}
+
+std::ostream* fileio::attach_output() {
+  if (!is_open()) return nullptr;
+  try {
+    attached_output = std::make_unique<fileio_output>(this, output_buffer_size);
+  } catch (const std::bad_alloc&) {
+    attached_output.reset();
+  }
+  return attached_output.get();
+}
+
+void fileio::close() {
+  if (attached_output) {
+    attached_output->flush();
+    attached_output.reset();  // its destructor writes what the buffer holds
+  }
+  reset();
+}
+
+void fileio::reset() {
+  if (fd != -1) ::close(fd);
+  fd = -1;
+  cached_size = 0;
+  writable = opened = keep_flag = false;
+  path.clear();
+  memory = {};
+  memory_mode = false;
+  memory_pos = 0;
+  attached_output.reset();  // the file is closed by now, so nothing of it is written
+}
+
+bool load_file(std::vector<uint8_t>& out, std::string_view path, uint32_t limit) {
+  out.clear();
+  if (path.empty() || limit == 0) return false;
+  const fileio file(path);
+  const auto size = static_cast<uint32_t>(file.measure_size());
+  return size != 0 && file.read_block(out, std::min(size, limit), 0);
+}
+
+int open_raw(const std::string& utf8_path, int flags, mode_t mode) {
+  if (utf8_path.empty()) return -1;
+  const int fd = ::open(utf8_path.c_str(), flags | O_NONBLOCK, mode);
+  if (fd == -1) return -1;
+  struct stat record;
+  if (!descriptor_stat(fd, record) || S_ISFIFO(record.st_mode) || S_ISSOCK(record.st_mode)) {
+    ::close(fd);
+    return -1;
+  }
+  return fd;
+}
+
+open_mode open_mode_for(fileio::access access) {
+  // Deliberate: the group has no rights and all others have, 0404 and 0606.
+  switch (access) {
+    case fileio::access::write:
+      return {O_RDWR, 0606};
+    case fileio::access::write_truncated:
+      return {O_RDWR | O_CREAT | O_TRUNC, 0606};
+    case fileio::access::read:
+      break;
+  }
+  return {O_RDONLY, 0404};
+}
+
+bool path_stat(const std::string& utf8_path, struct stat& record) {
+  record = {};
+  return ::stat(utf8_path.c_str(), &record) == 0;
+}
+
+bool descriptor_stat(int fd, struct stat& record) {
+  record = {};
+  return ::fstat(fd, &record) == 0;
+}
+
+bool path_exists_stat(const std::string& utf8_path) {
+  struct stat record;
+  return path_stat(utf8_path, record);
+}
+
+}  // namespace uni

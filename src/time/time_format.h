@@ -1,0 +1,76 @@
+// The printed forms of a time: a date and a time of day, each a text of its own, always of the UTC
+// fields. No zone arithmetic is done. A time that isn't valid gives two empty texts.
+#pragma once
+
+#include <locale>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <string_view>
+
+#include "time/zk_time.h"
+
+namespace zk {
+
+// A date mask and a time mask, read once and then applied to any number of times.
+//
+// A date mask holds "yyyy" or "yy", "mmm" (English abbreviation) or "mm", "dd", and one of "/",
+// "-" and " " as separator, "/" if it has none. It tells which of day and month comes first, and
+// whether the year leads; without all three parts the date is month/day/year. With the separator
+// " ", a "," at or behind "dd" puts a comma behind the day. A time mask holds "hh:mm", "ss" and
+// "xxx", a fraction with as many digits as lie from its first "x" to the mask's last. All else in
+// a mask is ignored.
+class masked_format {
+ public:
+  masked_format(const std::string& date_mask, const std::string& time_mask);
+
+  // Append the date or the time of day of a valid time. An empty mask appends nothing.
+  void append_date(std::string& out, const _windows_systemtime& fields) const;
+  void append_time(std::string& out, const _windows_systemtime& fields) const;
+
+ private:
+  // Date.
+  bool has_date = false;
+  bool complete = false;  // all of year, month and day
+  bool month_name = false;
+  bool two_digit_year = false;
+  bool day_first = false;
+  bool year_first = false;
+  bool comma = false;
+  char separator = '/';
+  // Time.
+  bool hour_minute = false;
+  bool second = false;
+  size_t fraction_digits = 0;  // 0 for none
+};
+
+// Writes both texts by the masks. The result is the `valid` flag of `t`.
+bool format_masked(std::string& date_out, std::string& time_out, const time& t,
+                   const std::string& date_mask, const std::string& time_mask);
+
+// The first usable one of: the environment's locale, with an empty `name`; the one that LC_TIME
+// names; the one that LANG names. False, with an empty `name`, if there is none.
+bool find_user_locale(std::string& name);
+
+// Dates as the user's locale writes them. The locale is looked up once, at construction.
+class locale_dates {
+ public:
+  locale_dates();
+
+  // The date, or nothing if no locale could be used.
+  std::optional<std::string> date(const _windows_systemtime& fields) const;
+
+ private:
+  std::optional<std::locale> user_locale;
+};
+
+// Writes both texts without masks. The date is by `dates` where that is given and has a locale,
+// else the numeric year-first form, with `short_year` in two digits from 2000 (or from 1900 before
+// it). The time has milliseconds with `with_fraction`, nanoseconds with both flags.
+void format_default(std::string& date_out, std::string& time_out, const time& t, bool with_fraction,
+                    bool short_year, const locale_dates* dates, bool nanoseconds);
+
+// "Jan" to "Dec" for 1 to 12, else empty. English at all times.
+std::string_view month_abbreviation(int month);
+
+}  // namespace zk

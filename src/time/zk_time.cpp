@@ -1,0 +1,276 @@
+#include "time/zk_time.h"
+
+#include <sys/time.h>
+
+namespace zk {
+namespace {
+
+constexpr int64_t day_seconds = 86400;
+constexpr int first_refused_year = 3001;  // for local time
+constexpr int last_valid_year = 3000;
+constexpr int first_valid_year = 1900;
+
+// The last zero-based day of the year in each month, behind a leading -1.
+constexpr int last_day_common[] = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
+constexpr int last_day_leap[] = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
+
+constexpr bool is_leap(int64_t year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
+
+constexpr int64_t leap_days_through(int64_t year) {
+  return year / 4 - year / 100 + year / 400;
+}
+
+// Days from 1970-01-01 to the first day of `year`.
+constexpr int64_t days_to_year(int64_t year) {
+  return (year - 1970) * 365 + leap_days_through(year - 1) - leap_days_through(1969);
+}
+
+bool top_bit_set(uint64_t ft) {
+  return ft >> 63 != 0;
+}
+
+// The month, from 1, that holds the zero-based day of the year.
+int month_of(int64_t day, const int (&last_day)[13]) {
+  int month = 1;
+  while (month < 12 && day > last_day[month]) ++month;
+  return month;
+}
+
+uint16_t cut16(int64_t value) {
+  return static_cast<uint16_t>(value);
+}
+
+uint64_t unix_to_filetime(uint64_t seconds) {
+  return seconds * ticks_per_second + unix_epoch_filetime;
+}
+
+int look_up_local_offset(std::time_t now) {
+  // Both calls share one static result, so each is copied at once.
+  std::tm local = *std::localtime(&now);
+  std::tm utc = *std::gmtime(&now);
+  return static_cast<int>(std::mktime(&local) - std::mktime(&utc));
+}
+
+}  // namespace
+
+void time::set_value(uint64_t value, type_time type) {
+  clear();
+  if (type == type_time::filetime) {
+    derive_from_filetime(value);
+  } else if (type == type_time::unix_time) {
+    filetime = unix_to_filetime(value);
+    if (static_cast<int64_t>(value) < 1) return;
+    unix_seconds = value;
+    filetime_copy = filetime;
+    derive_from_filetime(filetime);
+  }
+}
+
+void time::set_now() {
+  clear();
+  timeval now = {};
+  gettimeofday(&now, nullptr);
+  derive_from_filetime(unix_to_filetime(static_cast<uint64_t>(now.tv_sec)) +
+                       static_cast<uint64_t>(now.tv_usec) * 10);
+}
+
+void time::set_dos(dos_pair pair, bool is_utc) {
+  clear();
+  std::tm tm = {};
+  tm.tm_mday = pair.date & 31;
+  tm.tm_mon = ((pair.date >> 5) & 15) - 1;
+  tm.tm_year = (pair.date >> 9) + 80;
+  tm.tm_sec = (pair.time & 31) * 2;
+  tm.tm_min = (pair.time >> 5) & 63;
+  tm.tm_hour = pair.time >> 11;
+  if (tm.tm_mday == 0 || tm.tm_mon < 0 || tm.tm_mon > 11) return;
+  if (tm.tm_sec > 59 || tm.tm_min > 59 || tm.tm_hour > 23) return;
+  set_tm(tm, 0, is_utc);
+}
+
+bool time::set_tm(const std::tm& wanted, int milliseconds, bool is_utc) {
+  clear();
+  local_tm = wanted;
+  if (is_utc) {
+    filetime = tm_to_filetime(local_tm, milliseconds);
+  } else {
+    const std::time_t seconds = std::mktime(&local_tm);
+    if (seconds <= 0) return false;
+    filetime = unix_to_filetime(static_cast<uint64_t>(seconds + local_offset_seconds())) +
+               static_cast<uint64_t>(static_cast<int64_t>(milliseconds) * 10000);
+  }
+  if (filetime != 0) filetime_copy = filetime;
+  return derive_from_filetime(filetime);
+}
+
+bool time::derive_from_filetime(uint64_t ft) {
+  valid = false;
+  if (ft == 0) return false;
+  filetime = ft;
+  if (!filetime_to_unix(ft, unix_seconds) || unix_seconds == 0) return false;
+  filetime_to_systemtime(ft, fields);
+  filetime_copy = ft;
+  filetime_to_dos(ft, dos_stamp);
+
+  std::tm local = {};
+  no_local_tm = !unix_to_local_tm(static_cast<int64_t>(unix_seconds), local);
+  if (!no_local_tm) {
+    local_tm = local;
+  } else if (fields.year > last_valid_year) {
+    return false;
+  }
+  valid = fields.year >= first_valid_year;
+  return valid;
+}
+
+bool filetime_to_unix(uint64_t ft, uint64_t& seconds) {
+  if (top_bit_set(ft)) return false;
+  seconds = (ft - unix_epoch_filetime) / ticks_per_second;
+  return true;
+}
+
+bool filetime_to_systemtime(uint64_t ft, _windows_systemtime& fields) {
+  fields = {};
+  if (top_bit_set(ft)) return false;
+  constexpr int64_t common_year_seconds = 365 * day_seconds;
+  const auto seconds = static_cast<int64_t>(ft / ticks_per_second);
+  const uint64_t fraction = ft % ticks_per_second;
+
+  // Count 365-day years, then take back the leap days that went by.
+  int64_t year = seconds / common_year_seconds + 1600;
+  const int64_t leap_days = leap_days_through(year) - leap_days_through(1600);
+  int64_t rest = seconds % common_year_seconds - leap_days * day_seconds;
+  if (rest < 0) {
+    rest += (is_leap(year) ? 366 : 365) * day_seconds;
+  } else {
+    ++year;
+  }
+  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
+  const int64_t day = rest / day_seconds;
+  const int month = month_of(day, last_day);
+  const int64_t of_day = rest % day_seconds;
+
+  fields.year = cut16(year);
+  fields.month = cut16(month);
+  fields.day_of_week = cut16((seconds / day_seconds + 1) % 7);
+  fields.day = cut16(day - last_day[month - 1]);
+  fields.hour = cut16(of_day / 3600);
+  fields.minute = cut16(of_day % 3600 / 60);
+  fields.second = cut16(of_day % 60);
+  fields.millisecond = static_cast<uint16_t>(fraction / 10000);
+  fields.microsecond = fraction / 10;
+  fields.nanosecond = fraction * 100;
+  fields.picosecond = fraction * 100000;
+  return true;
+}
+
+bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
+  _windows_systemtime fields;
+  filetime_to_systemtime(ft, fields);
+  const uint16_t years = cut16(fields.year - 1980);
+  if (years > 57) return false;
+  const int halved = (fields.second / 2 + fields.second % 2) & 31;
+  pair.date = cut16(years << 9 | (fields.month & 15) << 5 | (fields.day & 31));
+  pair.time = cut16(fields.hour << 11 | (fields.minute & 63) << 5 | halved);
+  return true;
+}
+
+uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
+  if (fields.tm_mon < 0 || fields.tm_mon > 11) {
+    const int whole_years = (fields.tm_mon - (fields.tm_mon < 0 ? 11 : 0)) / 12;
+    fields.tm_year = static_cast<int>(static_cast<int64_t>(fields.tm_year) + whole_years);
+    fields.tm_mon = static_cast<int>(fields.tm_mon - static_cast<int64_t>(whole_years) * 12);
+  }
+  const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
+  int64_t days = last_day_common[fields.tm_mon];
+  if (year > 0 && is_leap(year) && fields.tm_mon > 1) ++days;
+  days += (year + 299) * 365 + leap_days_through(year + 1899) - 388 + fields.tm_mday;
+  // Hostile fields wrap here as unsigned numbers do.
+  auto ticks = static_cast<uint64_t>(days);
+  ticks = ticks * 24 + static_cast<uint64_t>(fields.tm_hour);
+  ticks = ticks * 60 + static_cast<uint64_t>(fields.tm_min);
+  ticks = ticks * 60 + static_cast<uint64_t>(fields.tm_sec);
+  return ticks * ticks_per_second + static_cast<uint64_t>(milliseconds) * 10000;
+}
+
+void systemtime_to_filetime(const _windows_systemtime& fields, uint64_t& ft) {
+  std::tm tm = {};
+  tm.tm_year = fields.year - 1900;
+  tm.tm_mon = fields.month - 1;
+  tm.tm_mday = fields.day;
+  tm.tm_hour = fields.hour;
+  tm.tm_min = fields.minute;
+  tm.tm_sec = fields.second;
+  ft = tm_to_filetime(tm, fields.millisecond);
+}
+
+bool unix_to_local_tm(int64_t seconds, std::tm& fields) {
+  fields = {};
+  if (seconds < 0 || seconds >= days_to_year(first_refused_year + 1) * day_seconds) return false;
+  // The offset passes through hours of single precision.
+  const float hours = static_cast<float>(local_offset_seconds()) / 3600.0F;
+  seconds += static_cast<int64_t>(static_cast<double>(hours) * 3600.0);
+  int64_t days = seconds / day_seconds;
+  const int64_t of_day = seconds % day_seconds;
+  const int64_t since_epoch = days;
+
+  int64_t year = 1970 + days / 365;
+  while (year > 1970 && days_to_year(year) > days) --year;
+  if (year >= first_refused_year) return false;
+  days -= days_to_year(year);
+
+  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
+  fields.tm_sec = static_cast<int>(of_day % 60);
+  fields.tm_min = static_cast<int>(of_day % 3600 / 60);
+  fields.tm_hour = static_cast<int>(of_day / 3600);
+  fields.tm_wday = static_cast<int>((since_epoch + 4) % 7);
+  fields.tm_year = static_cast<int>(year - 1900);
+  fields.tm_yday = static_cast<int>(days);
+  fields.tm_mon = month_of(days, last_day) - 1;
+  fields.tm_mday = static_cast<int>(days - last_day[fields.tm_mon]);
+  return true;
+}
+
+int local_offset_seconds() {
+  static std::time_t looked_up_at = -1;
+  static int offset = 0;
+  const std::time_t now = std::time(nullptr);
+  if (now != looked_up_at) {
+    offset = look_up_local_offset(now);
+    looked_up_at = now;
+  }
+  return offset;
+}
+
+uint64_t filetime_to_ntp64(uint64_t ft) {
+  if (top_bit_set(ft)) return 0;
+  const uint64_t ticks = ft - ntp_epoch_filetime;
+  const auto seconds = static_cast<uint32_t>(ticks / ticks_per_second);
+  const uint64_t scaled = (ticks % ticks_per_second) << 28;
+  auto fraction = static_cast<uint32_t>(scaled / ticks_per_second);
+  // Not a true binary fraction: its leading zero digits are shifted out.
+  while (fraction != 0 && fraction >> 28 == 0) fraction <<= 4;
+  return static_cast<uint64_t>(__builtin_bswap32(fraction)) << 32 | __builtin_bswap32(seconds);
+}
+
+uint64_t ntp64_now() {
+  timeval now = {};
+  gettimeofday(&now, nullptr);
+  time t;
+  t.set_value(static_cast<uint64_t>(now.tv_sec), type_time::unix_time);
+  return filetime_to_ntp64(t.filetime);
+}
+
+double ntp64_diff_seconds(uint64_t a, uint64_t b) {
+  const auto seconds = [](uint64_t stamp) {
+    const uint32_t whole = __builtin_bswap32(static_cast<uint32_t>(stamp));
+    const uint32_t fraction = __builtin_bswap32(static_cast<uint32_t>(stamp >> 32));
+    return whole + fraction * 0x1p-32;
+  };
+  const double difference = seconds(a) - seconds(b);
+  return difference < 0 ? -difference : difference;
+}
+
+}  // namespace zk

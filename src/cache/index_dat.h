@@ -1,0 +1,97 @@
+// The index.dat container: its header, its table of cache directories, its HASH blocks, and its
+// kind as its path tells it. Records are found without any of this; the directory names are all
+// that a run takes from here.
+//
+//   0x00 15  "Client UrlCache"
+//   0x20  4  offset of the first HASH block, 0 for none
+//   0x48  4  number of rows in the directory table
+//   0x50     the table: rows of 12 bytes, an 8-byte name first
+//
+//   HASH block:
+//   0x00  4  "HASH"
+//   0x04  4  length in 128-byte blocks
+//   0x08  4  offset of the next HASH block, 0 at the end
+//   0x10     entries of 8 bytes: a key, and the offset of a record
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cache/record_scan.h"
+#include "cache/redr_record.h"
+#include "cache/url_record.h"
+#include "front/cmd_opts.h"
+
+namespace index_layout {
+inline constexpr uint32_t first_hash = 0x20;
+inline constexpr uint32_t directory_count = 0x48;
+inline constexpr uint32_t directory_table = 0x50;
+inline constexpr uint32_t directory_row_size = 12;
+inline constexpr uint32_t directory_name_size = 8;
+inline constexpr uint32_t header_size = 0x51;  // one byte into the table
+}  // namespace index_layout
+
+namespace hash_layout {
+inline constexpr uint32_t block_count = 0x04;
+inline constexpr uint32_t next = 0x08;
+inline constexpr uint32_t entries = 0x10;
+inline constexpr uint32_t entry_size = 8;
+inline constexpr uint32_t header_size = 0x18;  // the first entry is among them
+inline constexpr uint32_t end_key = 0xDEADBEEF;
+}  // namespace hash_layout
+
+// What an index holds, told by its path. Only `mshist` changes what comes out.
+namespace file_kind {
+inline constexpr uint32_t other = 1;
+inline constexpr uint32_t history = 2;
+inline constexpr uint32_t mshist = 3;
+inline constexpr uint32_t temporary_internet_files = 4;
+inline constexpr uint32_t cookies = 5;
+inline constexpr uint32_t temp = 6;
+}  // namespace file_kind
+
+struct hash_entry {
+  uint32_t key;
+  uint32_t record_offset;
+};
+
+struct hash_block {
+  std::array<uint8_t, hash_layout::header_size> fixed = {};
+  bool parsed = false;
+  std::vector<hash_entry> entries;
+  std::vector<url_record> url_records;
+  std::vector<redr_record> redr_records;
+};
+
+struct cache_container {
+  std::array<uint8_t, index_layout::header_size> header = {};
+  std::vector<std::string> directories;  // in table order, each of 8 bytes, NULs included
+  bool parsed = false;                   // the header's signature was right
+};
+
+// Copies the header. False, with nothing copied, for fewer than 81 bytes or null; false too where
+// the signature is wrong.
+bool read_header(cache_container& container, const uint8_t* bytes, uint32_t size);
+
+// The offset of `span` from `base`, or 0 if `need` bytes from it don't fit the `size` bytes at
+// `base`.
+// Deliberate: a span that ends exactly at the end, and one at the very start, give 0 too.
+uint32_t range_fits(const uint8_t* base, const uint8_t* span, uint64_t need, uint64_t size);
+
+// Sets the record's `file_kind` from its `input_path`; the case counts. False if no name matched,
+// or there is no path, which leaves the kind alone.
+bool classify_path(cmd_opts& opts);
+
+// Reads the directory table of a whole file and gives each row the name at its directory index. A
+// row whose index lies past the table keeps its empty name. False, with all rows as they were, if
+// the header is wrong or the table doesn't fit.
+bool attach_directories(cache_container& container, record_table& table, const uint8_t* bytes,
+                        uint32_t size);
+
+// Reads the HASH block at `offset` and decodes the records that it lists. False if there is none
+// or its length passes the file's.
+// Deliberate: the list goes on past the block's own end, to a stop entry or the end of the file;
+// and a URL record counts where its signature is right, even if its strings refuse it.
+bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_t size);

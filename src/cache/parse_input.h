@@ -1,0 +1,12 @@
+// The engine's entry: one input in, its rows out.
+#pragma once
+
+#include <ostream>
+
+#include "front/cmd_opts.h"
+
+// Searches the input that `opts` names, a file or else a raw source, and writes the header line, if
+// it is still pending, and the rows to `out`. The header line isn't written for a file that can't
+// be opened, is empty or can't be read. From a file that is read whole, true means at least one
+// row; from any other input, that it could be opened.
+bool parse_input(std::ostream& out, cmd_opts& opts);

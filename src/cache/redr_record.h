@@ -1,0 +1,36 @@
+// REDR records: one address that the cache redirects.
+//
+//   0x00  4  "REDR"
+//   0x04  4  length in 128-byte blocks
+//   0x10     URL, up to its NUL
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+
+#include "text/le_bytes.h"
+
+namespace redr_layout {
+inline constexpr uint32_t block_count = 0x04;
+inline constexpr uint32_t url = 0x10;
+inline constexpr uint32_t fixed_size = 0x11;  // the URL's first byte is among them
+}  // namespace redr_layout
+
+// A decoded record, which owns its string.
+struct redr_record {
+  std::array<uint8_t, redr_layout::fixed_size> fixed = {};
+  std::string url;
+  bool valid = false;
+  uint64_t offset = 0;
+  bool in_gap = false;
+
+  uint32_t signature() const { return zk::load_le32(fixed.data()); }
+  uint32_t block_count() const { return zk::load_le32(&fixed[redr_layout::block_count]); }
+};
+
+// Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read.
+// False if there is none. An empty URL is accepted.
+// Deliberate: a comma becomes an underscore, not a semicolon as in URL records, and line ends
+// inside the URL stay.
+bool decode_redr_record(redr_record& record, const uint8_t* bytes, uint64_t offset, uint32_t limit);

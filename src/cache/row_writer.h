@@ -1,0 +1,43 @@
+// Writes the header line and the rows: one line of delimited text for each, always with the same
+// number of cells. No cell is quoted; what keeps a separator out of one was done at decoding, and
+// that is fixed to the comma.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "cache/cache_row.h"
+#include "front/cmd_opts.h"
+#include "time/time_format.h"
+#include "time/zk_time.h"
+
+// Serves one run of rows under one set of options. Both are borrowed. Each line is composed in one
+// reused text and handed to the stream whole, which is then flushed. A failing stream isn't looked
+// at.
+class row_writer {
+ public:
+  row_writer(std::ostream& out, const cmd_opts& opts);
+
+  void write_header_line();
+
+  // `number` is the row's, from 1, and is shown with the carve columns alone.
+  void write_row(const cache_row& row, uint64_t number);
+
+ private:
+  void append_cell(std::string_view text);
+  void append_time_pair(const zk::time& t, std::string_view label);
+  void append_filetime_pair(uint64_t filetime, std::string_view label);
+  void append_dos_pair(uint32_t pair);
+  void append_access_pair(const cache_row& row);
+  void end_line();
+
+  std::ostream& out;
+  const cmd_opts& opts;
+  const zk::masked_format masks;
+  std::optional<zk::locale_dates> dates;  // with -locale
+  zk::time loaded;
+  std::string line;
+};

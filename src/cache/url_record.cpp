@@ -1,0 +1,108 @@
+#include "cache/url_record.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+#include "cache/record_signature.h"
+#include "text/zk_string.h"
+
+namespace {
+
+using namespace url_layout;
+
+constexpr std::string_view user_marker = "~U:";
+
+// The record's bytes while it is being decoded: `begin` to `end` may be read, and the first `room`
+// of them are the record's own, up to the next record.
+struct record_bytes {
+  uint8_t* begin;
+  const uint8_t* end;
+  uint32_t room;
+
+  std::string_view string_at(uint32_t at) const { return zk::bounded_string(begin + at, end); }
+};
+
+// Finds the room, and corrects the block count where another record ends it.
+record_bytes bytes_of_record(uint8_t* begin, uint32_t limit) {
+  const uint32_t next = find_next_record(begin, limit);
+  if (next == no_record) return {begin, begin + limit, limit};
+  zk::store_le32(begin + block_count, next / block_size);
+  return {begin, begin + limit, next};
+}
+
+// False if the record has no usable URL offset. `whole` tells whether the URL fits the room.
+bool read_url(url_record& record, const record_bytes& bytes, bool& whole) {
+  const uint32_t at = record.field32(url_offset);
+  if (at == 0 || at >= bytes.room) return false;
+  const uint32_t left = bytes.room - at;
+  // No more than the first byte past the room decides, so nothing is read behind it.
+  const uint8_t* const begin = bytes.begin + at;
+  const auto readable = static_cast<uint64_t>(bytes.end - begin);
+  record.url = zk::bounded_string(begin, begin + std::min<uint64_t>(readable, left + 1ULL));
+  whole = static_cast<int32_t>(left) >= static_cast<int32_t>(record.url.size());
+  if (record.url.size() > left) record.url.resize(left);
+  clean_text(record.url);
+  return true;
+}
+
+// Reads the header span, and the user from its marker. False if the span is empty.
+bool read_header_text(url_record& record, const record_bytes& bytes) {
+  uint32_t length = record.field32(header_length);
+  uint32_t start = record.field32(header_offset);
+  const uint32_t room = bytes.room;
+  if (room - fixed_size < length) return true;
+  if (start == 0 || room < start) {
+    start = fixed_size;
+    length = room - fixed_size;
+  }
+  if (start + length > room) return true;
+  length = std::min(length, room - start);  // the sum above may have wrapped
+  const uint8_t* const text = bytes.begin + start;
+  record.header_raw.assign(reinterpret_cast<const char*>(text), length);
+  if (record.header_raw.empty()) return false;
+
+  const size_t marker = record.header_raw.find(user_marker);
+  if (marker != std::string::npos) {
+    const size_t nul = std::min(record.header_raw.find('\0', marker), record.header_raw.size());
+    const size_t user_at = marker + user_marker.size();
+    record.user = record.header_raw.substr(user_at, nul - user_at);
+    zk::trim(record.user);
+    length = static_cast<uint32_t>(marker);
+  }
+  zk::printable_text(record.http_header, text, length, false, ' ');
+  clean_text(record.http_header);
+  if (length == 0) record.http_header = record.user = "-";
+  return true;
+}
+
+}  // namespace
+
+void clean_text(std::string& text) {
+  zk::replace_char(text, ',', ';');
+  zk::trim(text);
+  zk::replace_char(text, '\r', ' ');
+  zk::replace_char(text, '\n', ';');
+}
+
+bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
+                       uint8_t /*flag*/) {
+  record = {};
+  record.offset = static_cast<uint32_t>(offset);
+  if (!bytes || limit < fixed_size || offset > limit - fixed_size) return false;
+  uint8_t* const begin = bytes + offset;
+  if (!is_url_or_leak(zk::load_le32(begin))) return false;
+  std::memcpy(record.fixed.data(), begin, fixed_size);
+  record.valid = true;
+
+  const record_bytes own = bytes_of_record(begin, limit - static_cast<uint32_t>(offset));
+  // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.
+  bool whole = false;
+  if (record.signature() == url_signature && !read_url(record, own, whole)) return false;
+  if (const uint32_t at = record.field32(filename_offset); at != 0 && at < own.room) {
+    // Deliberate: not cut to the room, so it may run on beyond the next record.
+    record.filename = own.string_at(at);
+    clean_text(record.filename);
+  }
+  return !whole || read_header_text(record, own);
+}

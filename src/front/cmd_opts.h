@@ -1,0 +1,26 @@
+// The run's parameter record, built once by the driver and passed by reference. The engine reads it
+// and keeps in it the little that crosses from one input to the next.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "front/cmd_params.h"
+
+struct cmd_opts : cmd_params {
+  std::string input_path;      // the file being parsed now
+  bool write_header = true;    // the header line may be written
+  bool use_locale = false;     // dates as the user's locale has them
+  bool any_signature = false;  // files are parsed whatever they begin with
+  bool carve_columns = false;  // columns "note" and "offset"; nothing sets it
+  std::string partition_path;  // value of -partition
+  bool admin_rights = false;   // nothing sets it
+  uint32_t file_kind = 1;      // of the input, from its path
+
+  cmd_opts() {
+    mode_csv = true;
+    csv_separator = ",";
+    delim_char = ';';
+    delim_subst = ' ';
+  }
+};

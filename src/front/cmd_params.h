@@ -1,0 +1,117 @@
+// The run's parameters: what the options of the tool family set. Many are accepted and stored for
+// the family's sake, and nothing here acts on them; those are marked "stored".
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "front/path_filter.h"
+#include "time/date_format_context.h"
+#include "time/zk_time.h"
+
+// The program's arguments as byte strings, its own name first. Options are found by name and
+// removed.
+using argument_list = std::vector<std::string>;
+
+struct cmd_params {
+  zk::time launch_time;                            // when the run began
+  std::string cmdline;                             // the arguments, joined
+  std::string prog_name;                           // stored
+  std::string out_path;                            // results file; empty for standard output
+  std::string out_dir;                             // stored
+  std::string username;                            // stored
+  std::string hostname;                            // stored
+  std::map<std::string, std::string> alias_paths;  // stored
+  std::map<std::string, std::string> aliases;      // stored
+  std::string date_format = "yyyy-mm-dd";
+  std::string time_format = "hh:mm:ss.xxx";
+  zk::date_format_context format_masks;  // stored
+  char delim_char = '|';                 // stored
+  char delim_subst = ';';                // stored
+  std::string csv_separator = " | ";     // between the cells of a row
+  bool field_trim = false;               // stored
+  bool field_pad = true;                 // stored
+  bool base16 = true;                    // stored
+  bool username_set = false;             // stored
+  bool hostname_set = false;             // stored
+  bool split_pathfile = false;           // stored
+  bool quoted_csv_fields = false;        // asked by set_separator alone
+  std::vector<std::wstring> vmdk_paths;  // the disk's files, in the order given
+  uint64_t vmdk_offset = 0;              // stored
+  bool gzip_out = false;                 // stored, and so are the next four
+  bool gzip_mode = false;
+  bool zlib_mode = false;
+  bool zlibex_mode = false;
+  std::string zlibex_value;
+  uint32_t threads = 0;         // stored
+  bool out_dir_set = false;     // stored
+  bool out_path_set = false;    // stored
+  int32_t cpuinst = -1;         // stored
+  int32_t cpu = 0;              // stored
+  bool separate_files = false;  // stored
+  int32_t fragment_files = 0;   // stored
+  bool mode_xml = false;        // stored, and so are the next five
+  bool mode_csv = false;
+  bool mode_csvl2t = false;
+  bool mode_csvgen = false;
+  bool mode_bodyfile = false;
+  bool mode_multiline = false;
+  bool verbose = true;         // rows have all their columns
+  bool show_progress = true;   // progress lines of a large file, and the wipes behind them
+  bool pair_datetime = false;  // asked by -csv and format_masks alone
+  bool pipe_ungated = false;   // the gate isn't asked for -pipe
+  bool header_pending = true;  // the header line is still to be written
+  bool diag_on = false;
+  int32_t diag_level = 0;  // stored
+  std::unique_ptr<std::ostream> diag_stream;
+  std::string diag_path;
+  bool profile = false;                   // report the elapsed time
+  std::string signal_name;                // for a hook that does nothing
+  std::vector<path_filter> filters;       // which paths of a list are taken
+  std::vector<path_filter> skip_filters;  // stored
+  bool pipe = false;                      // paths come from standard input
+  std::string enumdir_path;               // the folder to walk
+  uint32_t num_subdirs = 0;               // how many levels below it
+  bool enumdir = false;
+  std::string os_product_version;  // stored, and so are the next three
+  int32_t os_version_major = 0;
+  int32_t os_version_minor = 0;
+  int32_t os_version_patch = 0;
+  bool start_time_set = false;  // the time span that a filtered path's file must lie in
+  bool stop_time_set = false;
+  uint64_t start_filetime = 0;
+  uint64_t stop_filetime = 0;
+  uint32_t start_unix = 0;
+  uint32_t stop_unix = 0;
+
+  // Reads all options but those of the run modes, in a fixed order and not in that of the
+  // arguments, and removes what it reads from `args`. Unknown options stay there, unnoticed. False
+  // ends the run; what is to be said was said on standard error.
+  bool parse_options(argument_list& args);
+
+  // Checks a list of disk files. Writes its messages to `messages`, and to `suggested` the list
+  // that it would have accepted, if it knows one.
+  using disk_list_check =
+      std::function<bool(const std::vector<std::wstring>& paths, std::ostream& messages,
+                         std::vector<std::wstring>& suggested)>;
+
+  // Reads -vmdk and -offset, first parse_options unless `skip_common` is set, and hands the disk
+  // files to `check` and then, unless empty, to `second`. `name` names the option in the suggestion
+  // that goes to standard error with the messages of a failed check.
+  bool parse_vmdk_options(argument_list& args, const disk_list_check& check,
+                          const disk_list_check& second, bool skip_common, const char* name);
+
+  // Sets the separator between cells, "tab" meaning a tab, and the delimiters that follow from it;
+  // `semicolon` says by what a comma would be replaced.
+  void set_separator(const std::string& text, bool semicolon);
+
+  // Write a line to the -diags file, if there is one.
+  void diag_write(const std::string& text);
+  [[gnu::format(printf, 2, 3)]] void diag_printf(const char* format, ...);
+};

@@ -1,0 +1,30 @@
+#include "front/cmdline_ctx.h"
+
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+
+#include "time/zk_time.h"
+#include "uni/console.h"
+
+void cmdline_ctx::configure(const cmd_opts& opts, text_hook hook) {
+  wipe_progress = opts.show_progress;
+  if (opts.diag_on && opts.diag_stream && opts.diag_stream->good()) timing_path = opts.diag_path;
+  report_stderr = opts.profile;
+  if (report_stderr || !timing_path.empty()) start_clock = zk::ntp64_now();
+  if (hook && !opts.signal_name.empty()) {
+    signal_hook = hook;
+    signal_text = opts.signal_name;
+  }
+}
+
+cmdline_ctx::~cmdline_ctx() {
+  if (wipe_progress) uni::clear_line();
+  if (start_clock != 0) {
+    std::ostringstream text;
+    text << "->" << zk::ntp64_diff_seconds(zk::ntp64_now(), start_clock) << " secs";
+    if (report_stderr) std::fprintf(stderr, "%s\n", text.str().c_str());
+    if (!timing_path.empty()) std::ofstream(timing_path, std::ios::app) << text.str();
+  }
+  if (signal_hook) signal_hook(signal_text);
+}

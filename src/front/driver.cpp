@@ -1,0 +1,132 @@
+#include "front/driver.h"
+
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <optional>
+
+#include "cache/parse_input.h"
+#include "front/arguments.h"
+#include "front/cmd_opts.h"
+#include "front/cmdline_ctx.h"
+#include "front/host_info.h"
+#include "front/path_text.h"
+#include "front/run_header.h"
+#include "front/usage.h"
+#include "gate/licence_gate.h"
+#include "time/time_format.h"
+#include "time/zk_time.h"
+#include "uni/console.h"
+#include "uni/fileio.h"
+
+namespace {
+
+// Standard output, or the results file with its buffered stream.
+class results_stream {
+ public:
+  // False, with a message, if the results file can't be opened.
+  bool open(const cmd_opts& opts) {
+    if (opts.out_path.empty()) return true;
+    if (file.open(opts.out_path, true, false, true)) stream = file.attach_output();
+    if (file.is_open() && stream) return true;
+    std::fprintf(stderr, "prob opening results file: %s for writing\n", opts.out_path.c_str());
+    return false;
+  }
+
+  std::ostream& out() { return *stream; }
+
+ private:
+  uni::fileio file;
+  std::ostream* stream = &std::cout;
+};
+
+int ignore_signal(const std::string&) {
+  return 0;
+}
+
+bool wants_help(const argument_list& args) {
+  for (const char* word : {"-h", "-help", "/?", "--help"}) {
+    if (has_option(word, args, 0)) return true;
+  }
+  return args.size() == 1;
+}
+
+int show_help(const argument_list& args) {
+  print_usage(args.empty() ? "" : args[0]);
+  return run_done;
+}
+
+void take_locale(argument_list& args, cmd_opts& opts) {
+  opts.use_locale = take_flag("-locale", args);
+  opts.any_signature = true;
+  if (!opts.use_locale) return;
+  if (std::string name; zk::find_user_locale(name)) {
+    std::cout << "Using locale date format: " << std::locale(name).name() << "\n" << std::flush;
+  } else {
+    std::cout << "Using locale en_US date format\n" << std::flush;
+  }
+}
+
+// Parses one input. False too if there isn't the memory for its rows.
+bool parse_guarded(std::ostream& out, cmd_opts& opts) {
+  try {
+    return parse_input(out, opts);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+int parse_one_input(std::ostream& out, cmd_opts& opts) {
+  if (parse_guarded(out, opts)) return run_done;
+  uni::message("probs parsing file: %s\n", opts.input_path.c_str());
+  return run_failed;
+}
+
+int run_partition(std::ostream& out, cmd_opts& opts) {
+  if (!licence_gate::allows_option("-partition")) return run_failed;
+  // Deliberate: nothing sets this, so the option is refused in every run.
+  if (!opts.admin_rights) {
+    uni::message("re-run [-partition] option w/ admin privileges\n");
+    return run_failed;
+  }
+  return parse_one_input(out, opts);
+}
+
+int run_file(std::ostream& out, cmd_opts& opts) {
+  opts.input_path = expand_env(opts.input_path, true);
+  licence_gate::see_file(opts.input_path);
+  return parse_one_input(out, opts);
+}
+
+// Exactly one mode runs: the first whose option is there.
+int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
+  if (take_option("-partition", opts.partition_path, args)) return run_partition(out, opts);
+  if (take_option("-f", opts.input_path, args)) return run_file(out, opts);
+  return show_help(args);
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+  // Their order is that of teardown, backwards: the context is the last to act.
+  argument_list args = make_argument_list(argc, argv);
+  cmdline_ctx context;
+  cmd_opts opts;
+  opts.launch_time.set_now();
+  if (args.empty() || !licence_gate::allows_run()) return run_failed;
+  if (wants_help(args)) return show_help(args);
+
+  const std::string run_header = make_run_header(args, opts.launch_time);
+  licence_gate::see_file(probe_exe_path());
+  opts.pipe_ungated = true;
+  if (!opts.parse_options(args)) {
+    std::cout << run_header << std::endl;
+    return run_failed;
+  }
+  context.configure(opts, ignore_signal);
+  results_stream results;
+  if (!results.open(opts)) return run_failed;
+  results.out() << run_header << std::endl;
+  take_locale(args, opts);
+  return run_mode(args, results.out(), opts);
+}

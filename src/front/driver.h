@@ -1,0 +1,9 @@
+// The program's order of events.
+#pragma once
+
+// The statuses that a run can end with. A shell sees `run_failed` as 255.
+inline constexpr int run_done = 0;
+inline constexpr int run_failed = -1;
+
+// Runs the program once and returns its status.
+int run(int argc, const char* const* argv);

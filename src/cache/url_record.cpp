@@ -79,10 +79,8 @@ bool read_header_text(url_record& record, const record_bytes& bytes) {
 }  // namespace
 
 void clean_text(std::string& text) {
-  zk::replace_char(text, ',', ';');
   zk::trim(text);
-  zk::replace_char(text, '\r', ' ');
-  zk::replace_char(text, '\n', ';');
+  for (char& c : text) c = c == ',' || c == '\n' ? ';' : c == '\r' ? ' ' : c;
 }
 
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,

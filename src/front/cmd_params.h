@@ -62,7 +62,7 @@ struct cmd_params {
   bool mode_csvgen = false;
   bool mode_bodyfile = false;
   bool mode_multiline = false;
-  bool verbose = true;         // rows have all their columns
+  bool verbose = true;         // rows have their cells from user to HTTP header filled
   bool show_progress = true;   // progress lines of a large file, and the wipes behind them
   bool pair_datetime = false;  // asked by -csv and format_masks alone
   bool pipe_ungated = false;   // the gate isn't asked for -pipe
@@ -90,9 +90,9 @@ struct cmd_params {
   uint32_t start_unix = 0;
   uint32_t stop_unix = 0;
 
-  // Reads all options but those of the run modes, in a fixed order and not in that of the
-  // arguments, and removes what it reads from `args`. Unknown options stay there, unnoticed. False
-  // ends the run; what is to be said was said on standard error.
+  // Reads all options but -partition, -vmdk, -offset, -f and -locale, in a fixed order and not in
+  // that of the arguments, and removes what it reads from `args`. Unknown options stay there,
+  // unnoticed. False ends the run; what is to be said was said on standard error.
   bool parse_options(argument_list& args);
 
   // Checks a list of disk files. Writes its messages to `messages`, and to `suggested` the list

@@ -113,8 +113,12 @@ int run(int argc, const char* const* argv) {
   cmdline_ctx context;
   cmd_opts opts;
   opts.launch_time.set_now();
-  if (args.empty() || !licence_gate::allows_run()) return run_failed;
+  if (args.empty()) return run_failed;
   if (wants_help(args)) return show_help(args);
+  if (!licence_gate::allows_run()) {
+    std::fputs("this run isn't licensed\n", stderr);
+    return run_failed;
+  }
 
   const std::string run_header = make_run_header(args, opts.launch_time);
   licence_gate::see_file(probe_exe_path());

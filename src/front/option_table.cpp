@@ -23,7 +23,7 @@ struct option {
   const char* name;
   kind value;
   bool (*act)(params& p, list& args, text& value);
-  const char* other_name = nullptr;  // looked for where the first isn't there
+  const char* other_name = nullptr;  // looked for where the first gave nothing
 };
 
 // A flag, and a value, that only set fields.

@@ -1,9 +1,10 @@
 #include "text/zk_string.h"
 
 #include <algorithm>
-#include <cstring>
 #include <cwctype>
 #include <locale>
+
+#include "text/le_bytes.h"
 
 namespace zk {
 namespace {
@@ -106,13 +107,16 @@ bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, boo
                     uint8_t replacement) {
   out.clear();
   if (!bytes || length == 0) return false;
-  const void* nul = std::memchr(bytes, 0, length);
-  const uint8_t* end = nul ? static_cast<const uint8_t*>(nul) : bytes + length;
-  out.reserve(static_cast<size_t>(end - bytes));
-  for (; bytes != end; ++bytes) {
-    const bool kept = (*bytes >= 0x20 && *bytes <= 0x7E) ||
-                      (keep_line_ends && (*bytes == '\r' || *bytes == '\n'));
-    if (kept || replacement != 0) out.push_back(static_cast<char>(kept ? *bytes : replacement));
+  const auto unwanted = [&](char c) {
+    const bool line_end = keep_line_ends && (c == '\r' || c == '\n');
+    return (c < 0x20 || c > 0x7E) && !line_end;
+  };
+  const std::string_view text = bounded_string(bytes, bytes + length);
+  out.assign(text);
+  if (replacement == 0) {
+    std::erase_if(out, unwanted);
+  } else {
+    for (char& c : out) c = unwanted(c) ? static_cast<char>(replacement) : c;
   }
   return true;
 }
@@ -121,18 +125,14 @@ void replace_char(std::string& text, char from, char to, bool ignore_case) {
   if (from == to) return;
   const char lower = ignore_case ? default_ctype().tolower(from) : from;
   const char upper = ignore_case ? default_ctype().toupper(from) : from;
-  for (char& c : text) {
-    if (c == lower || c == upper) c = to;
-  }
+  for (char& c : text) c = c == lower || c == upper ? to : c;
 }
 
 void replace_char_wide(std::wstring& text, wchar_t from, wchar_t to, bool ignore_case) {
   const auto code = static_cast<wint_t>(from);
   const wchar_t lower = ignore_case ? static_cast<wchar_t>(std::towlower(code)) : from;
   const wchar_t upper = ignore_case ? static_cast<wchar_t>(std::towupper(code)) : from;
-  for (wchar_t& c : text) {
-    if (c == lower || c == upper) c = to;
-  }
+  for (wchar_t& c : text) c = c == lower || c == upper ? to : c;
 }
 
 bool replace_first(std::string& text, std::string& what, const std::string& with,

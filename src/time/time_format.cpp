@@ -1,5 +1,6 @@
 #include "time/time_format.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <ctime>
@@ -13,17 +14,16 @@ namespace {
 constexpr size_t none = std::string::npos;
 constexpr size_t most_fraction_digits = 9;
 
-// Appends `value` in decimal, filled with zeros to at least `width` digits.
-void append_number(std::string& out, uint64_t value, size_t width) {
-  std::array<char, 20> digits;
-  size_t begin = digits.size();
-  do {
-    digits[--begin] = static_cast<char>('0' + value % 10);
-    value /= 10;
-  } while (value != 0);
-  const size_t count = digits.size() - begin;
-  if (count < width) out.append(width - count, '0');
-  out.append(&digits[begin], count);
+// Writes `value` in decimal, in exactly `width` digits, and returns the place behind them.
+char* put_digits(char* at, uint64_t value, size_t width) {
+  for (size_t i = width; i-- > 0; value /= 10) at[i] = static_cast<char>('0' + value % 10);
+  return at + width;
+}
+
+char* put_two(char* at, uint32_t value) {
+  at[0] = static_cast<char>('0' + value / 10 % 10);
+  at[1] = static_cast<char>('0' + value % 10);
+  return at + 2;
 }
 
 // The fraction of the second, cut to `digits` places.
@@ -88,57 +88,59 @@ masked_format::masked_format(const std::string& date_mask, const std::string& ti
 
 void masked_format::append_date(std::string& out, const _windows_systemtime& fields) const {
   if (!has_date) return;
+  std::array<char, 16> text;  // "mmm", "dd,", "yyyy" and two separators at the most
+  char* at = text.data();
   const auto put_year = [&] {
-    if (two_digit_year) {
-      append_number(out, fields.year % 100U, 2);
-    } else {
-      append_number(out, fields.year, 4);
-    }
+    at = two_digit_year ? put_two(at, fields.year) : put_digits(at, fields.year, 4);
   };
   const auto put_month = [&] {
     if (month_name) {
-      out += month_abbreviation(fields.month);
+      const std::string_view name = month_abbreviation(fields.month);
+      at = std::copy(name.begin(), name.end(), at);
     } else {
-      append_number(out, fields.month, 2);
+      at = put_two(at, fields.month);
     }
   };
-  const auto put_day = [&] { append_number(out, fields.day, 2); };
 
   const char between = complete ? separator : '/';
   if (complete && year_first) {
     put_year();
-    out += between;
+    *at++ = between;
   }
   if (complete && day_first) {
-    put_day();
-    out += between;
+    at = put_two(at, fields.day);
+    *at++ = between;
     put_month();
   } else {
     put_month();
-    out += between;
-    put_day();
-    if (complete && comma) out += ',';
+    *at++ = between;
+    at = put_two(at, fields.day);
+    if (complete && comma) *at++ = ',';
   }
   if (!complete || !year_first) {
-    out += between;
+    *at++ = between;
     put_year();
   }
+  out.append(text.data(), at);
 }
 
 void masked_format::append_time(std::string& out, const _windows_systemtime& fields) const {
+  std::array<char, 24> text;  // "hh:mm:ss." and nine digits at the most
+  char* at = text.data();
   if (hour_minute) {
-    append_number(out, fields.hour, 2);
-    out += ':';
-    append_number(out, fields.minute, 2);
+    at = put_two(at, fields.hour);
+    *at++ = ':';
+    at = put_two(at, fields.minute);
   }
   if (second) {
-    out += ':';
-    append_number(out, fields.second, 2);
+    *at++ = ':';
+    at = put_two(at, fields.second);
   }
   if (fraction_digits != 0) {
-    out += '.';
-    append_number(out, fraction_of(fields, fraction_digits), fraction_digits);
+    *at++ = '.';
+    at = put_digits(at, fraction_of(fields, fraction_digits), fraction_digits);
   }
+  out.append(text.data(), at);
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,

@@ -2,10 +2,13 @@
 
 #include <sys/time.h>
 
+#include <algorithm>
+
 namespace zk {
 namespace {
 
 constexpr int64_t day_seconds = 86400;
+constexpr int64_t days_1601_to_1970 = 134774;
 constexpr int first_refused_year = 3001;  // for local time
 constexpr int last_valid_year = 3000;
 constexpr int first_valid_year = 1900;
@@ -22,28 +25,50 @@ constexpr int64_t leap_days_through(int64_t year) {
   return year / 4 - year / 100 + year / 400;
 }
 
-// Days from 1970-01-01 to the first day of `year`.
-constexpr int64_t days_to_year(int64_t year) {
-  return (year - 1970) * 365 + leap_days_through(year - 1) - leap_days_through(1969);
-}
-
 bool top_bit_set(uint64_t ft) {
   return ft >> 63 != 0;
 }
 
-// The month, from 1, that holds the zero-based day of the year.
-int month_of(int64_t day, const int (&last_day)[13]) {
-  int month = 1;
-  while (month < 12 && day > last_day[month]) ++month;
-  return month;
+// A date as its year, its month from 1, and its day of the year and of the month.
+struct calendar_date {
+  int32_t year;
+  int32_t month;
+  int32_t day_of_year;  // from 0
+  int32_t day;
+};
+
+// The date so many days after 1601-01-01. Good to the year 3100.
+calendar_date date_of(int32_t days) {
+  // Count 365-day years, then take back the leap days that went by.
+  int32_t year = days / 365 + 1600;
+  const auto leap_days = static_cast<int32_t>(leap_days_through(year) - leap_days_through(1600));
+  int32_t rest = days % 365 - leap_days;
+  if (rest < 0) {
+    rest += is_leap(year) ? 366 : 365;
+  } else {
+    ++year;
+  }
+  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
+  int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
+  if (month < 12 && rest > last_day[month]) ++month;
+  return {year, month, rest, rest - last_day[month - 1]};
 }
 
-uint16_t cut16(int64_t value) {
+constexpr uint16_t cut16(int64_t value) {
   return static_cast<uint16_t>(value);
 }
 
 uint64_t unix_to_filetime(uint64_t seconds) {
   return seconds * ticks_per_second + unix_epoch_filetime;
+}
+
+bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
+  const uint16_t years = cut16(fields.year - 1980);
+  if (years > 57) return false;
+  const int halved = (fields.second / 2 + fields.second % 2) & 31;
+  pair.date = cut16(years << 9 | (fields.month & 15) << 5 | (fields.day & 31));
+  pair.time = cut16(fields.hour << 11 | (fields.minute & 63) << 5 | halved);
+  return true;
 }
 
 int look_up_local_offset(std::time_t now) {
@@ -112,7 +137,7 @@ bool time::derive_from_filetime(uint64_t ft) {
   if (!filetime_to_unix(ft, unix_seconds) || unix_seconds == 0) return false;
   filetime_to_systemtime(ft, fields);
   filetime_copy = ft;
-  filetime_to_dos(ft, dos_stamp);
+  fields_to_dos(fields, dos_stamp);
 
   std::tm local = {};
   no_local_tm = !unix_to_local_tm(static_cast<int64_t>(unix_seconds), local);
@@ -134,47 +159,29 @@ bool filetime_to_unix(uint64_t ft, uint64_t& seconds) {
 bool filetime_to_systemtime(uint64_t ft, _windows_systemtime& fields) {
   fields = {};
   if (top_bit_set(ft)) return false;
-  constexpr int64_t common_year_seconds = 365 * day_seconds;
-  const auto seconds = static_cast<int64_t>(ft / ticks_per_second);
-  const uint64_t fraction = ft % ticks_per_second;
-
-  // Count 365-day years, then take back the leap days that went by.
-  int64_t year = seconds / common_year_seconds + 1600;
-  const int64_t leap_days = leap_days_through(year) - leap_days_through(1600);
-  int64_t rest = seconds % common_year_seconds - leap_days * day_seconds;
-  if (rest < 0) {
-    rest += (is_leap(year) ? 366 : 365) * day_seconds;
-  } else {
-    ++year;
-  }
-  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
-  const int64_t day = rest / day_seconds;
-  const int month = month_of(day, last_day);
-  const int64_t of_day = rest % day_seconds;
-
-  fields.year = cut16(year);
-  fields.month = cut16(month);
-  fields.day_of_week = cut16((seconds / day_seconds + 1) % 7);
-  fields.day = cut16(day - last_day[month - 1]);
+  const uint64_t seconds = ft / ticks_per_second;
+  const auto fraction = static_cast<uint32_t>(ft % ticks_per_second);
+  const auto days = static_cast<int32_t>(seconds / day_seconds);
+  const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
+  const calendar_date date = date_of(days);
+  fields.year = cut16(date.year);
+  fields.month = cut16(date.month);
+  fields.day_of_week = cut16((days + 1) % 7);
+  fields.day = cut16(date.day);
   fields.hour = cut16(of_day / 3600);
-  fields.minute = cut16(of_day % 3600 / 60);
+  fields.minute = cut16(of_day / 60 % 60);
   fields.second = cut16(of_day % 60);
-  fields.millisecond = static_cast<uint16_t>(fraction / 10000);
+  fields.millisecond = cut16(fraction / 10000);
   fields.microsecond = fraction / 10;
-  fields.nanosecond = fraction * 100;
-  fields.picosecond = fraction * 100000;
+  fields.nanosecond = fraction * 100ULL;
+  fields.picosecond = fraction * 100000ULL;
   return true;
 }
 
 bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
   _windows_systemtime fields;
   filetime_to_systemtime(ft, fields);
-  const uint16_t years = cut16(fields.year - 1980);
-  if (years > 57) return false;
-  const int halved = (fields.second / 2 + fields.second % 2) & 31;
-  pair.date = cut16(years << 9 | (fields.month & 15) << 5 | (fields.day & 31));
-  pair.time = cut16(fields.hour << 11 | (fields.minute & 63) << 5 | halved);
-  return true;
+  return fields_to_dos(fields, pair);
 }
 
 uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
@@ -207,29 +214,26 @@ void systemtime_to_filetime(const _windows_systemtime& fields, uint64_t& ft) {
 }
 
 bool unix_to_local_tm(int64_t seconds, std::tm& fields) {
+  // Far enough from the first refused year for any zone.
+  constexpr int64_t certainly_refused = (first_refused_year + 1 - 1970) * 366 * day_seconds;
   fields = {};
-  if (seconds < 0 || seconds >= days_to_year(first_refused_year + 1) * day_seconds) return false;
+  if (seconds < 0 || seconds >= certainly_refused) return false;
   // The offset passes through hours of single precision.
   const float hours = static_cast<float>(local_offset_seconds()) / 3600.0F;
-  seconds += static_cast<int64_t>(static_cast<double>(hours) * 3600.0);
-  int64_t days = seconds / day_seconds;
-  const int64_t of_day = seconds % day_seconds;
-  const int64_t since_epoch = days;
-
-  int64_t year = 1970 + days / 365;
-  while (year > 1970 && days_to_year(year) > days) --year;
-  if (year >= first_refused_year) return false;
-  days -= days_to_year(year);
-
-  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
-  fields.tm_sec = static_cast<int>(of_day % 60);
-  fields.tm_min = static_cast<int>(of_day % 3600 / 60);
-  fields.tm_hour = static_cast<int>(of_day / 3600);
-  fields.tm_wday = static_cast<int>((since_epoch + 4) % 7);
-  fields.tm_year = static_cast<int>(year - 1900);
-  fields.tm_yday = static_cast<int>(days);
-  fields.tm_mon = month_of(days, last_day) - 1;
-  fields.tm_mday = static_cast<int>(days - last_day[fields.tm_mon]);
+  const int64_t since_1601 = seconds + static_cast<int64_t>(static_cast<double>(hours) * 3600.0) +
+                             days_1601_to_1970 * day_seconds;
+  const auto days = static_cast<int32_t>(since_1601 / day_seconds);
+  const auto of_day = static_cast<int32_t>(since_1601 % day_seconds);
+  const calendar_date date = date_of(days);
+  if (date.year >= first_refused_year) return false;
+  fields.tm_sec = of_day % 60;
+  fields.tm_min = of_day / 60 % 60;
+  fields.tm_hour = of_day / 3600;
+  fields.tm_wday = (days + 1) % 7;
+  fields.tm_year = date.year - 1900;
+  fields.tm_yday = date.day_of_year;
+  fields.tm_mon = date.month - 1;
+  fields.tm_mday = date.day;
   return true;
 }
 

@@ -13,7 +13,7 @@ void clear_line();
 // Wipes the line and writes the formatted text, as printf does.
 // Deliberate: the last character isn't written, so that a text that ends in a line feed leaves the
 // cursor on its line for the next wipe; and a text of more than 4096 characters isn't written at
-// all. Returns the text's length, or 0 where nothing was written.
+// all. Returns the length of the text, its last character counted; 0 for one that is too long.
 [[gnu::format(printf, 1, 2)]] int message(const char* format, ...);
 
 // Writes one progress line, cut at 60 characters.

@@ -17,10 +17,10 @@ struct run_result {
 };
 
 struct run_setup {
-  std::string input = "";                          // on standard input
-  std::map<std::string, std::string> environment;  // added to the test's own
-  std::string folder = "";                         // to run in
-  std::string shell = "";                          // commands ahead of the program's start
+  std::string input = "";                               // on standard input
+  std::map<std::string, std::string> environment = {};  // added to the test's own
+  std::string folder = "";                              // to run in
+  std::string shell = "";                               // commands ahead of the program's start
 };
 
 run_result run_udx(const std::vector<std::string>& arguments, const run_setup& setup = {});

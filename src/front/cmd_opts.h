@@ -19,7 +19,7 @@ struct cmd_opts : cmd_params {
 
   cmd_opts() {
     mode_csv = true;
-    csv_separator = ",";
+    csv_separator.assign(1, ',');
     delim_char = ';';
     delim_subst = ' ';
   }

@@ -10,7 +10,9 @@
 #include "front/cmd_opts.h"
 #include "front/cmdline_ctx.h"
 #include "front/host_info.h"
+#include "front/path_match.h"
 #include "front/path_text.h"
+#include "front/portdir/stdin_stream_ex.h"
 #include "front/run_header.h"
 #include "front/usage.h"
 #include "gate/licence_gate.h"
@@ -98,10 +100,32 @@ int run_file(std::ostream& out, cmd_opts& opts) {
   return parse_one_input(out, opts);
 }
 
+int run_list(std::ostream& out, cmd_opts& opts) {
+  zkportdir::stdin_stream_ex paths;
+  if (!opts.pipe && !paths.open_walk(opts.enumdir_path, opts.num_subdirs, opts.filters)) {
+    return run_done;
+  }
+  std::string path;
+  std::string folder;
+  std::string name;
+  while (paths.read_line(path, true)) {
+    file_stat stat;  // not loaded, so that each path's file is asked anew
+    if (!filter_match(opts, path, opts.filters, stat)) continue;
+    opts.diag_printf("%s", path.c_str());
+    path = expand_env(path, true);
+    if (!split_path(path, folder, name)) continue;
+    licence_gate::see_file(path);
+    opts.input_path = path;
+    if (!parse_guarded(out, opts)) uni::message("probs parsing file: %s\n", path.c_str());
+  }
+  return run_done;
+}
+
 // Exactly one mode runs: the first whose option is there.
 int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
   if (take_option("-partition", opts.partition_path, args)) return run_partition(out, opts);
   if (take_option("-f", opts.input_path, args)) return run_file(out, opts);
+  if (opts.pipe || opts.enumdir) return run_list(out, opts);
   return show_help(args);
 }
 

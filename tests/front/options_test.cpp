@@ -101,8 +101,7 @@ TEST(Options, EachSetsItsField) {
          return o.aliases == std::map<std::string, std::string>{{"a", "b"}, {"/d", "d"}};
        }},
       {{"-aliaspath", "one"}, [](const cmd_opts& o) { return o.alias_paths.at("*") == "one"; }},
-      {{"-aliaspath", "A/|\"b\"/"},
-       [](const cmd_opts& o) { return o.alias_paths.at("a") == "b"; }},
+      {{"-aliaspath", "A/|\"b\"/"}, [](const cmd_opts& o) { return o.alias_paths.at("a") == "b"; }},
       {{"-filter_skip", "a,b", "-filter_skip", "c"},
        [](const cmd_opts& o) { return o.skip_filters.size() == 3 && o.filters.empty(); }},
   };

@@ -31,8 +31,9 @@ std::string run_result::results() const {
 std::vector<std::string> run_result::rows() const {
   std::vector<std::string> lines;
   std::istringstream in(results());
-  for (std::string line; std::getline(in, line);) lines.push_back(line);
-  if (!lines.empty()) lines.erase(lines.begin());
+  for (std::string line; std::getline(in, line);) {
+    if (cells(line).size() == 17 && line + "\n" != header_line) lines.push_back(line);
+  }
   return lines;
 }
 

@@ -12,7 +12,7 @@ struct run_result {
 
   // Standard output without the run's own three lines and the empty line behind them.
   std::string results() const;
-  // Its lines below the header line.
+  // Its rows: what has 17 cells, less the header line.
   std::vector<std::string> rows() const;
 };
 

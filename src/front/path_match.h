@@ -1,0 +1,27 @@
+// Whether a path of a list is taken: its name, its folder, its first bytes and its file's time.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "front/cmd_params.h"
+#include "front/filter_text.h"
+
+// A file's modification time, asked for once a path at the most.
+struct file_stat {
+  uint64_t mod_time = 0;     // seconds since 1970; 0 until loaded
+  uint64_t second_time = 0;  // none here
+  int kind = 0;              // 8 where the seconds fit 32 bits, else 16
+};
+
+// The test of the driver. False for an empty path or one that isn't UTF-8.
+// Deliberate: an empty filter list takes every path at once, so that the time span counts only
+// beside a filter.
+bool filter_match(const cmd_params& span, const std::string& path, const filter_list& filters,
+                  file_stat& stat);
+
+// The test itself, and that of a walk, which gives no `stat` and so tests no time. Names are
+// compared in lower case; the first filter that fits decides. `unreadable` tells that a file whose
+// bytes were to be compared couldn't be opened.
+bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
+                       const filter_list& filters, file_stat* stat);

@@ -61,16 +61,16 @@ void decode_record(benchmark::State& state) {
 }
 
 void build_row(benchmark::State& state) {
-  sample::byte_vector bytes = url_bytes();
   const cmd_opts opts = options();
-  url_record decoded;
-  decode_url_record(decoded, bytes.data(), 0, static_cast<uint32_t>(bytes.size()), 1);
+  sample::byte_vector bytes = url_bytes();
+  const auto size = static_cast<uint32_t>(bytes.size());
   for (auto _ : state) {
-    url_record copy = decoded;
-    cache_row row;
-    row_from_url(row, std::move(copy), opts, opts.input_path);
-    benchmark::DoNotOptimize(row.url.data());
+    record_table table(opts);
+    for (uint64_t position = 0; position < 1000; ++position) {
+      add_record(table, opts, bytes.data(), size, position);
+    }
   }
+  state.SetItemsProcessed(state.iterations() * 1000);
 }
 
 void format_time_pair(benchmark::State& state) {

@@ -17,8 +17,6 @@ bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t
   const uint32_t count = zk::load_le32(bytes + index_layout::directory_count);
   if (count == 0) return true;
   const uint64_t need = uint64_t{count} * directory_row_size;
-  // The product counts in 32 bits; one that wraps there doesn't fit either.
-  if (need > std::numeric_limits<uint32_t>::max()) return false;
   const uint8_t* row = bytes + directory_table;
   if (range_fits(bytes, row, need, size) == 0) return false;
   container.directories.reserve(count);
@@ -86,10 +84,12 @@ bool attach_directories(cache_container& container, record_table& table, const u
   container = {};
   if (!read_header(container, bytes, size)) return false;
   if (!read_directories(container, bytes, size)) return false;
+  // A row's index is a byte, so no name past these is ever asked for.
+  std::array<std::string_view, 256> names;
+  const size_t count = std::min(names.size(), container.directories.size());
+  for (size_t i = 0; i < count; ++i) names[i] = table.keep(container.directories[i]);
   for (auto& [offset, row] : table.rows) {
-    if (row.directory_index < container.directories.size()) {
-      row.directory = container.directories[row.directory_index];
-    }
+    if (row.directory_index < count) row.directory = names[row.directory_index];
   }
   return true;
 }

@@ -1,6 +1,6 @@
 // The index.dat container: its header, its table of cache directories, its HASH blocks, and its
-// kind as its path tells it. Records are found without any of this; the directory names are all
-// that a run takes from here.
+// kind as its path tells it. Records are found without any of this; a run takes the
+// directory names and the kind from here.
 //
 //   0x00 15  "Client UrlCache"
 //   0x20  4  offset of the first HASH block, 0 for none
@@ -90,8 +90,8 @@ bool classify_path(cmd_opts& opts);
 bool attach_directories(cache_container& container, record_table& table, const uint8_t* bytes,
                         uint32_t size);
 
-// Reads the HASH block at `offset` and decodes the records that it lists. False if there is none
-// or its length passes the file's.
+// Reads the HASH block at `offset` and decodes the records that it lists. False if there is none,
+// its length passes the file's or its first entry reaches the file's end.
 // Deliberate: the list goes on past the block's own end, to a stop entry or the end of the file;
 // and a URL record counts where its signature is right, even if its strings refuse it.
 bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_t size);

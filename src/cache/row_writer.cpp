@@ -76,8 +76,12 @@ void row_writer::write_row(const cache_row& row, uint64_t number) {
 }
 
 void row_writer::append_cell(std::string_view text) {
-  line += text;
-  line += opts.csv_separator;
+  if (!text.empty()) line += text;
+  if (opts.csv_separator.size() == 1) {
+    line += opts.csv_separator[0];
+  } else {
+    line += opts.csv_separator;
+  }
 }
 
 void row_writer::append_time_pair(const zk::time& t, std::string_view label) {

@@ -58,15 +58,15 @@ bool read_header_text(url_record& record, const record_bytes& bytes) {
   }
   if (start + length > room) return true;
   length = std::min(length, room - start);  // the sum above may have wrapped
-  const uint8_t* const text = bytes.begin + start;
-  record.header_raw.assign(reinterpret_cast<const char*>(text), length);
-  if (record.header_raw.empty()) return false;
+  if (length == 0) return false;
 
-  const size_t marker = record.header_raw.find(user_marker);
-  if (marker != std::string::npos) {
-    const size_t nul = std::min(record.header_raw.find('\0', marker), record.header_raw.size());
+  const uint8_t* const text = bytes.begin + start;
+  const std::string_view span(reinterpret_cast<const char*>(text), length);
+  const size_t marker = span.find(user_marker);
+  if (marker != std::string_view::npos) {
+    const size_t nul = std::min(span.find('\0', marker), span.size());
     const size_t user_at = marker + user_marker.size();
-    record.user = record.header_raw.substr(user_at, nul - user_at);
+    record.user = span.substr(user_at, nul - user_at);
     zk::trim(record.user);
     length = static_cast<uint32_t>(marker);
   }

@@ -41,8 +41,7 @@ struct url_record {
   std::array<uint8_t, url_layout::fixed_size> fixed = {};  // the fixed part as the file has it
   std::string url;
   std::string filename;
-  std::string header_raw;   // the header span with all its bytes, NULs included
-  std::string http_header;  // its cleaned text
+  std::string http_header;  // the cleaned text of the header span
   std::string user;
   bool valid = false;  // the signature was right; true also where decoding failed later
   uint64_t offset = 0;
@@ -62,6 +61,6 @@ struct url_record {
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t flag);
 
-// What every string of a URL record goes through: commas to semicolons, blanks cut from both ends,
-// CR to a blank, LF to a semicolon.
+// What the URL, the file name and the header text go through: commas to semicolons, blanks cut from
+// both ends, CR to a blank, LF to a semicolon.
 void clean_text(std::string& text);

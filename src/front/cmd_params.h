@@ -1,5 +1,5 @@
-// The run's parameters: what the options of the tool family set. Many are accepted and stored for
-// the family's sake, and nothing here acts on them; those are marked "stored".
+// The run's parameters: what the options set. Many are accepted and stored only, and nothing acts
+// on them; those are marked "stored".
 #pragma once
 
 #include <cstdint>

@@ -9,9 +9,9 @@ namespace zk {
 // Reads 0x1f or 1x1f (the first character isn't looked at) and x1f as hexadecimal, o17 as octal,
 // text that begins with a digit, "+" or "-" as decimal, and 'c' as the code of c. What follows the
 // digits is ignored. The form is chosen on a trimmed, lower-cased copy, but the digits are read
-// from the text as given, so that a leading blank makes them read 0 or fail. The result is that of
-// strtoul, cut to 32 bits: -1 gives 4294967295. False, with 0 in `number`, for null and for
-// anything else.
+// from the text as given, in which leading blanks still stand: " 12" fails and " 0x1f" gives 0. The
+// result is that of strtoul, cut to 32 bits: -1 gives 4294967295. False, with 0 in `number`, for
+// null and for anything else.
 bool read_number(const char* text, uint32_t& number);
 
 // Trims and lower-cases `text` in place. With an "x" anywhere it reads hexadecimal behind the

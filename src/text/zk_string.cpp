@@ -22,8 +22,8 @@ bool trim_set(String& text, const typename String::value_type* set) {
     text.clear();
     return false;
   }
-  text.erase(last + 1);
-  text.erase(0, text.find_first_not_of(set));
+  if (last + 1 != text.size()) text.erase(last + 1);
+  if (const size_t first = text.find_first_not_of(set); first != 0) text.erase(0, first);
   return true;
 }
 

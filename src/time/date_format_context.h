@@ -1,5 +1,5 @@
-// The date and time masks as one small record, made once the options are read. It is kept for the
-// formats of other tools of the family; nothing prints by it.
+// The date and time masks as one small record, made once the options are read. Nothing prints by
+// it.
 #pragma once
 
 #include <cstdint>

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
 #include <sstream>
 
@@ -79,8 +80,9 @@ bool parse_time_fields(std::string text, int& hour, int& minute, double& seconds
   const size_t second_colon = text.find(':', colon + 1);
   const size_t m = text.find('m', colon + 1);
   const size_t marker = m == std::string::npos ? std::string::npos : m - 1;
-  if (marker != std::string::npos && text[marker] == 'p') hour = 12;
-  hour += number_in(text.substr(0, colon));
+  const bool afternoon = marker != std::string::npos && text[marker] == 'p';
+  const double hours = std::atof(text.substr(0, colon).c_str());
+  hour = cut(std::trunc(hours) + (afternoon ? 12 : 0));
 
   // The text from `begin` to the marker less one blank, or to the end where no marker follows.
   const auto up_to_marker = [&](size_t begin) {

@@ -115,13 +115,12 @@ void time::set_dos(dos_pair pair, bool is_utc) {
   set_tm(tm, 0, is_utc);
 }
 
-bool time::set_tm(const std::tm& wanted, int milliseconds, bool is_utc) {
+bool time::set_tm(std::tm tm, int milliseconds, bool is_utc) {
   clear();
-  local_tm = wanted;
   if (is_utc) {
-    filetime = tm_to_filetime(local_tm, milliseconds);
+    filetime = tm_to_filetime(tm, milliseconds);
   } else {
-    const std::time_t seconds = std::mktime(&local_tm);
+    const std::time_t seconds = std::mktime(&tm);
     if (seconds <= 0) return false;
     filetime = unix_to_filetime(static_cast<uint64_t>(seconds + local_offset_seconds())) +
                static_cast<uint64_t>(static_cast<int64_t>(milliseconds) * 10000);
@@ -139,13 +138,9 @@ bool time::derive_from_filetime(uint64_t ft) {
   filetime_copy = ft;
   fields_to_dos(fields, dos_stamp);
 
-  std::tm local = {};
-  no_local_tm = !unix_to_local_tm(static_cast<int64_t>(unix_seconds), local);
-  if (!no_local_tm) {
-    local_tm = local;
-  } else if (fields.year > last_valid_year) {
-    return false;
-  }
+  // Past the last year only one that is not over by local time is left.
+  std::tm local;
+  if (fields.year > last_valid_year && !local_tm(local)) return false;
   valid = fields.year >= first_valid_year;
   return valid;
 }
@@ -186,9 +181,10 @@ bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
 
 uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
   if (fields.tm_mon < 0 || fields.tm_mon > 11) {
-    const int whole_years = (fields.tm_mon - (fields.tm_mon < 0 ? 11 : 0)) / 12;
-    fields.tm_year = static_cast<int>(static_cast<int64_t>(fields.tm_year) + whole_years);
-    fields.tm_mon = static_cast<int>(fields.tm_mon - static_cast<int64_t>(whole_years) * 12);
+    const int64_t month = fields.tm_mon;
+    const int64_t whole_years = (month - (month < 0 ? 11 : 0)) / 12;
+    fields.tm_year = static_cast<int>(fields.tm_year + whole_years);
+    fields.tm_mon = static_cast<int>(month - whole_years * 12);
   }
   const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
   int64_t days = last_day_common[fields.tm_mon];

@@ -44,16 +44,24 @@ struct dos_pair {
   uint16_t time;
 };
 
+// Local time by today's offset. False, with all fields zero, for negative seconds and from the
+// local year 3001 on.
+bool unix_to_local_tm(int64_t seconds, std::tm& fields);
+
 class time {
  public:
   uint64_t unix_seconds = 0;  // not to be used before 1970
   uint64_t filetime = 0;
   uint64_t filetime_copy = 0;
   dos_pair dos_stamp = {};  // zero outside 1980 to 2037
-  std::tm local_tm = {};    // by today's offset from UTC, whatever the value's date
   _windows_systemtime fields = {};
-  bool valid = false;        // the object may be shown; nothing else may be read unless it is
-  bool no_local_tm = false;  // local_tm could not be computed
+  bool valid = false;  // the object may be shown; nothing else may be read unless it is
+
+  // The instant in local time, by today's offset from UTC whatever its date. False, with zeros,
+  // where it can't be had: before 1970 and from the local year 3001 on.
+  bool local_tm(std::tm& local) const {
+    return unix_to_local_tm(static_cast<int64_t>(unix_seconds), local);
+  }
 
   void clear() { *this = time(); }
 
@@ -65,10 +73,10 @@ class time {
   // Deliberate: March to December 2000 come out one day early, see tm_to_filetime.
   void set_dos(dos_pair pair, bool is_utc);
   // Returns `valid`. With `is_utc` false the fields are local time, and must lie after 1970.
-  bool set_tm(const std::tm& fields, int milliseconds, bool is_utc);
+  bool set_tm(std::tm fields, int milliseconds, bool is_utc);
 
   // Sets the FILETIME and all other forms. Returns `valid`, which is true for the years 1900 to
-  // 3000 but for the first second of 1970.
+  // 3000 but for the first second of 1970, and as far into 3001 as it is still 3000 by local time.
   bool derive_from_filetime(uint64_t ft);
 };
 
@@ -90,10 +98,6 @@ uint64_t tm_to_filetime(std::tm& fields, int milliseconds);
 
 // The FILETIME of calendar fields, down to the millisecond, by the rule of tm_to_filetime.
 void systemtime_to_filetime(const _windows_systemtime& fields, uint64_t& ft);
-
-// Local time by today's offset. False, with all fields zero, for negative seconds and from the
-// local year 3001 on.
-bool unix_to_local_tm(int64_t seconds, std::tm& fields);
 
 // What local time is ahead of UTC at this moment, in seconds. Looked up once in each second.
 int local_offset_seconds();

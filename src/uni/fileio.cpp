@@ -18,7 +18,7 @@ namespace uni {
 namespace {
 
 constexpr int64_t proc_file_size = 262144;
-constexpr size_t largest_read = 0x10000000;  // 256 MiB, what one system call takes for certain
+constexpr size_t largest_piece = 0x10000000;  // 256 MiB, what one system call takes for certain
 
 fileio::access access_for(bool write, bool truncate) {
   if (!write) return fileio::access::read;
@@ -35,11 +35,21 @@ bool resize_guarded(std::vector<uint8_t>& out, uint64_t size) {
   return true;
 }
 
+// Appends to `out`. False, and no change, if there isn't the memory.
+bool append_guarded(std::vector<uint8_t>& out, const uint8_t* bytes, uint32_t count) {
+  try {
+    out.insert(out.end(), bytes, bytes + count);
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
+}
+
 // Reads up to `count` bytes at `offset`, in pieces, until all has come or nothing more does.
 uint64_t read_fully(int fd, uint8_t* buffer, uint64_t count, uint64_t offset) {
   uint64_t done = 0;
   while (done < count) {
-    const size_t piece = std::min<uint64_t>(count - done, largest_read);
+    const size_t piece = std::min<uint64_t>(count - done, largest_piece);
     const ssize_t got = ::pread(fd, buffer + done, piece, static_cast<off_t>(offset + done));
     if (got <= 0) break;
     done += static_cast<uint64_t>(got);
@@ -167,20 +177,26 @@ bool fileio::write_at(const void* bytes, uint32_t count, uint64_t offset) {
     const auto* from = static_cast<const uint8_t*>(bytes);
     const uint64_t begin = std::min<uint64_t>(offset, memory.size());
     const auto inside = static_cast<uint32_t>(std::min<uint64_t>(count, memory.size() - begin));
+    if (!append_guarded(memory, from + inside, count - inside)) return false;
     std::copy_n(from, inside, memory.begin() + static_cast<ptrdiff_t>(begin));
-    memory.insert(memory.end(), from + inside, from + count);
     cached_size = static_cast<int64_t>(memory.size());
     memory_pos = begin + count;
     return true;
   }
-  if (::pwrite(fd, bytes, count, static_cast<off_t>(offset)) == -1) return false;
+  ::lseek(fd, static_cast<off_t>(offset), SEEK_SET);
+  if (::write(fd, bytes, count) == -1) return false;
   cached_size = ::lseek(fd, 0, SEEK_END);
   return true;
 }
 
 bool fileio::append_text(const std::ostringstream& text) {
   const std::string bytes = text.str();
-  return bytes.empty() || append(bytes.data(), static_cast<uint32_t>(bytes.size()));
+  bool done = true;
+  for (size_t at = 0; done && at < bytes.size(); at += largest_piece) {
+    const size_t piece = std::min(bytes.size() - at, largest_piece);
+    done = append(bytes.data() + at, static_cast<uint32_t>(piece));
+  }
+  return done;
 }
 
 bool fileio::set_permissions(const std::string& mode) {
@@ -214,7 +230,7 @@ void fileio::reset() {
   cached_size = 0;
   writable = opened = keep_flag = false;
   path.clear();
-  memory = {};
+  memory = std::vector<uint8_t>();
   memory_mode = false;
   memory_pos = 0;
   attached_output.reset();  // the file is closed by now, so nothing of it is written

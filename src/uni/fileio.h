@@ -76,7 +76,7 @@ class fileio {
   bool append_text(const std::ostringstream& text);
 
   // Changes the file's mode to the number that `mode` gives with a "0" put before it.
-  // Deliberate: that number is read as decimal, so "420" is what sets rw-r--r--. Without a
+  // Deliberate: digits make a decimal number, so "420" is what sets rw-r--r--. Without a
   // descriptor the result says whether the object is in memory mode.
   bool set_permissions(const std::string& mode);
 

@@ -4,7 +4,6 @@
 #include <sstream>
 
 #include "cache/index_dat.h"
-#include "cache/record_scan.h"
 #include "cache/row_writer.h"
 #include "tests/support/run_udx.h"
 #include "tools/index_builder.h"
@@ -34,111 +33,91 @@ std::string line_of(const record& made, const cmd_opts& opts) {
   return out.str();
 }
 
-TEST(Row, AllColumns) {
-  record full = record::url("http://a/");
+// clang-format off
+
+TEST(Row, AllColumnsAndUnsetOnes) {
+  record full = record::url("http://a/").filename("f.htm").header("HTTP", "me");
   full.last_mod(filetime_of(2008, 1, 2, 3, 4, 5)).access(filetime_of(2009, 6, 7, 8, 9, 10));
   full.expires(dos_of(2010, 11, 12, 13, 14, 16)).last_sync(dos_of(2011, 1, 2, 3, 4, 6));
-  full.file_size(0xFFFFFFFF).count(3).directory(2).filename("f.htm").header("HTTP", "me");
+  full.file_size(0xFFFFFFFF).count(3).directory(2);
   EXPECT_EQ(line_of(full, options_for("/x/index.dat")),
-            "2008-01-02,03:04:05.000 UTC,2009-06-07,08:09:10.000 UTC,"
-            "2010-11-12,13:14:16.000 UTC,2011-01-02,03:04:06.000 UTC,"
-            "URL ,http://a/,me,f.htm,4294967295,,3,HTTP,/x/index.dat\n");
-  EXPECT_EQ(line_of(record::redr("http://b/"), options_for("/MSHist/i")),
-            ",,,,,,,,REDR,http://b/,,,0,,0,,/MSHist/i\n");
-}
-
-TEST(Row, UnsetFieldsAreEmpty) {
+            "2008-01-02,03:04:05.000 UTC,2009-06-07,08:09:10.000 UTC,2010-11-12,13:14:16.000 UTC,"
+            "2011-01-02,03:04:06.000 UTC,URL ,http://a/,me,f.htm,4294967295,,3,HTTP,/x/index.dat\n");
+  EXPECT_EQ(line_of(record::redr("http://b/"), options_for("/MSHist/i")), ",,,,,,,,REDR,http://b/,,,0,,0,,/MSHist/i\n");
   const std::string empty = ",,,,,,,,URL ,u,,,0,,0,u,p\n";
   EXPECT_EQ(line_of(record::url("u"), options_for("p")), empty);
-  EXPECT_EQ(line_of(record::url("u")
-                        .last_mod(unset)
-                        .access(unset)
-                        .expires(0xBEEF)
-                        .last_sync(0xDEADBEEF)
-                        .count(0xDEADBEEF),
-                    options_for("p")),
-            empty);
-  // A date word of 0 is no date, an impossible one no time; neither leaves a label.
+  EXPECT_EQ(line_of(record::url("u").last_mod(unset).access(unset).expires(0xBEEF).last_sync(0xDEADBEEF)
+                        .count(0xDEADBEEF), options_for("p")), empty);
   EXPECT_EQ(line_of(record::url("u").last_mod(1).expires(0xBEEF0000).last_sync(dos_of(2004, 13, 1)),
-                    options_for("p")),
-            empty);
+                    options_for("p")), empty);  // no times: an impossible one leaves no label either
+  const uint64_t half = (filetime_of(2004, 1, 1) & ~0xFFFFFFFFULL) | 0xDEADBEEF;  // half a fill pattern
+  EXPECT_TRUE(line_of(record::url("u").last_mod(half), options_for("p")).starts_with("2004-01-01,00:0"));
   cmd_opts no_time = options_for("p");
   no_time.time_format = "--------";
-  EXPECT_EQ(line_of(record::url("u").access(filetime_of(2004, 1, 1)), no_time),
-            ",,2004-01-01,,,,,,URL ,u,,,0,,0,u,p\n");
+  EXPECT_EQ(line_of(record::url("u").access(filetime_of(2004, 1, 1)), no_time), ",,2004-01-01,,,,,,URL ,u,,,0,,0,u,p\n");
 }
 
 TEST(Row, ALeaksAccessTime) {
   const uint32_t dos = dos_of(2004, 5, 6, 7, 8, 10);
-  const struct {
-    record made;
-    const char* access;
-  } cases[] = {
-      {record::leak().leak_access(dos), "2004-05-06,07:08:10.000 UTC"},
-      {record::leak().leak_access(dos).access(unset), "2004-05-06,07:08:10.000 UTC"},
-      {record::leak().leak_access(dos).access(filetime_of(2003, 1, 1)),
-       "2003-01-01,00:00:00.000 UTC"},
-      {record::leak().leak_access(dos).access(1), ","},
-      {record::leak().leak_access(0xBEEF), ","},
-      {record::leak().leak_access(0x12340000), ","},
-      {record::url("u").leak_access(dos), ","},
-  };
-  for (const auto& c : cases) {
+  struct access_case { record made; const char* access; };
+  for (const auto& c : std::vector<access_case>{
+           {record::leak().leak_access(dos), "2004-05-06,07:08:10.000 UTC"},
+           {record::leak().leak_access(dos).access(unset), "2004-05-06,07:08:10.000 UTC"},
+           {record::leak().leak_access(dos).access(filetime_of(2003, 1, 1)), "2003-01-01,00:00:00.000 UTC"},
+           {record::leak().leak_access(dos).access(1), ","}, {record::leak().leak_access(0xBEEF), ","},
+           {record::leak().leak_access(0x12340000), ","}, {record::url("u").leak_access(dos), ","}}) {
     const auto found = cells(line_of(c.made, options_for("p")));
     EXPECT_EQ(found[2] + "," + found[3], c.access);
   }
 }
 
 TEST(Row, LocalLabel) {
-  const struct {
-    const char* path;
-    const char* url;
-    bool local;
-  } cases[] = {
-      {"/History/MSHist0/index.dat", "u", true},
-      {"/History/index.dat", "u", false},
-      {"/x", ":2009072120090722; alice@x", true},
-      {"/x", ":2009072120090722, alice@x", true},  // the comma has become a semicolon
-      {"/x", ":2009072120090722: alice@x", false},
-      {"/x", ":2009072120090722; ", false},  // trimmed to 18 bytes
-      {"/x", ":2009072120090722; a", true},
-      {"/x", "02009072120090722; alice@x", false},
-  };
-  for (const auto& c : cases) {
-    record made = record::url(c.url);
-    made.last_mod(filetime_of(2004, 1, 1)).access(filetime_of(2004, 1, 1));
-    made.expires(dos_of(2004, 1, 1)).last_sync(dos_of(2004, 1, 1));
-    const auto found = cells(line_of(made, options_for(c.path)));
+  struct label_case { const char *path, *url; bool local; };
+  for (const auto& c : std::vector<label_case>{
+           {"/History/MSHist0/index.dat", "u", true}, {"/History/index.dat", "u", false},
+           {"/x", ":2009072120090722; alice@x", true}, {"/x", ":2009072120090722: alice@x", false},
+           {"/x", ":2009072120090722, alice@x", true},  // the comma has become a semicolon
+           {"/x", ":2009072120090722; ", false}, {"/x", ":2009072120090722; a", true},
+           {"/x", "02009072120090722; alice@x", false}}) {
+    record made = record::url(c.url).last_mod(filetime_of(2004, 1, 1)).access(filetime_of(2004, 1, 1));
+    const auto found = cells(line_of(made.expires(dos_of(2004, 1, 1)).last_sync(dos_of(2004, 1, 1)), options_for(c.path)));
     EXPECT_EQ(found[1], c.local ? "00:00:00.000 local" : "00:00:00.000 UTC") << c.url;
     for (const size_t other : {3u, 5u, 7u}) EXPECT_EQ(found[other], "00:00:00.000 UTC");
   }
 }
 
+// Counts how often its stream is flushed.
+struct counting_buffer : std::stringbuf {
+  int flushes = 0;
+  int sync() override { return ++flushes, 0; }
+};
+
 TEST(Row, FormsOfTheLine) {
   cmd_opts opts = options_for("p");
   opts.csv_separator = " | ";
-  std::ostringstream out;
+  counting_buffer buffer;
+  std::ostream out(&buffer);
   row_writer(out, opts).write_header_line();
-  EXPECT_TRUE(out.str().starts_with("last mod date | last mod time | "));
-  EXPECT_TRUE(out.str().ends_with(" | HTTP header | index.dat filename\n"));
-  EXPECT_EQ(cells(out.str(), '|').size(), 17u);
+  EXPECT_TRUE(buffer.str().starts_with("last mod date | last mod time | "));
+  EXPECT_TRUE(buffer.str().ends_with(" | HTTP header | index.dat filename\n"));
+  EXPECT_EQ(cells(buffer.str(), '|').size(), 17u);
+  EXPECT_EQ(buffer.flushes, 1);
 
-  opts.csv_separator = ",";
+  opts = options_for("p");
   opts.verbose = false;
   EXPECT_EQ(line_of(record::url("u").filename("f").file_size(3), opts), ",,,,,,,,URL ,u,,,,,,,p\n");
   opts.carve_columns = true;
   EXPECT_EQ(line_of(record::redr("r"), opts), "7,0x00004200,,,,,,,,,REDR,r,,,,,,,p\n");
-  out.str("");
+  buffer.str("");
   row_writer(out, opts).write_header_line();
-  EXPECT_TRUE(out.str().starts_with("note,offset,last mod date,"));
+  EXPECT_TRUE(buffer.str().starts_with("note,offset,last mod date,"));
 
   opts = options_for("p");
   opts.use_locale = true;
-  const zk::locale_dates dates;
   zk::time t;
   t.set_value(filetime_of(2004, 1, 2), zk::type_time::filetime);
-  EXPECT_EQ(cells(line_of(record::url("u").access(t.filetime), opts))[2],
-            dates.date(t.fields).value_or("2004-01-02"));
+  const std::string date = zk::locale_dates().date(t.fields).value_or("2004-01-02");
+  EXPECT_TRUE(line_of(record::url("u").last_mod(t.filetime), opts).starts_with(date + ",00:00:00.000 UTC,"));
 }
 
 TEST(Row, SourceName) {
@@ -148,8 +127,6 @@ TEST(Row, SourceName) {
   EXPECT_EQ(source_name(opts), "/a.vmdk; \xC3\xA4.vmdk");
   opts.partition_path = "c";
   EXPECT_EQ(source_name(opts), "c:\\");
-  opts.input_path = "/x";
-  EXPECT_EQ(source_name(opts), "/x");
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
-// Messages and progress, byte for byte.
+// Messages and progress, byte for byte; lines of standard input.
 #include "uni/console.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdarg>
 
 #include "tests/support/run_udx.h"
 #include "uni/stdin_stream.h"
@@ -25,36 +23,27 @@ int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
   return result;
 }
 
+// clang-format off
+
 TEST(Message, DropsItsLastCharacterAndRefusesLongTexts) {
-  const struct {
-    std::string text, written;
-    int result;
-  } cases[] = {
-      {"success\n", "success", 8},
-      {"", "", 0},
-      {std::string(4096, 'x'), std::string(4095, 'x'), 4096},
-      {std::string(4097, 'x'), "", 0},
-  };
-  for (const auto& c : cases) {
+  struct message_case { std::string text, written; int result; };
+  for (const auto& c : std::vector<message_case>{
+           {"success\n", "success", 8}, {"", "", 0}, {"x", "", 1},
+           {std::string(4096, 'x'), std::string(4095, 'x'), 4096}, {std::string(4097, 'x'), "", 0}}) {
     int result = -1;
-    EXPECT_EQ(on_stderr([&] { result = uni::message("%s", c.text.c_str()); }),
-              wide_wipe + c.written);
+    EXPECT_EQ(on_stderr([&] { result = uni::message("%s", c.text.c_str()); }), wide_wipe + c.written);
     EXPECT_EQ(result, c.result);
   }
   EXPECT_EQ(on_stderr([] { EXPECT_EQ(uni::message(nullptr), 0); }), wide_wipe);
 }
 
 TEST(Progress, OneLineCutAtSixty) {
-  EXPECT_EQ(on_stderr([] { uni::progress_percent("percent: %d", 7); }),
-            narrow_wipe + "percent: 7\r");
+  EXPECT_EQ(on_stderr([] { uni::progress_percent("percent: %d", 7); }), narrow_wipe + "percent: 7\r");
   const std::string wide(59, 'p');
-  EXPECT_EQ(on_stderr([&] { uni::progress_percent("%s\nqr", wide.c_str()); }),
-            narrow_wipe + wide + "\r");
+  EXPECT_EQ(on_stderr([&] { uni::progress_percent("%s\nqr", wide.c_str()); }), narrow_wipe + wide + "\r");
   EXPECT_EQ(on_stderr([] { EXPECT_EQ(print(true, 300, true, "a\n%d", 1), 3); }), "a1");
-
   testing::internal::CaptureStdout();
-  EXPECT_EQ(print(false, 4, false, "abcdef"), 4);
-  EXPECT_EQ(print(false, 9, true, "title"), 5);
+  EXPECT_EQ(print(false, 4, false, "abcdef") + print(false, 9, true, "title"), 9);
   EXPECT_FALSE(uni::set_terminal_title(nullptr));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), narrow_wipe + "abcd\r\x1B]0;title\x07");
 }
@@ -62,9 +51,8 @@ TEST(Progress, OneLineCutAtSixty) {
 TEST(StdinStream, LongLinesComeInPieces) {
   std::FILE* const lines = std::tmpfile();
   ASSERT_TRUE(lines);
-  const std::string nul_line("a\0b\n", 4);
-  std::fputs((std::string(4095, 'x') + "\n" + "x\xC3\xA4\xFFz\r\n").c_str(), lines);
-  std::fwrite(nul_line.data(), 1, nul_line.size(), lines);
+  const std::string text = std::string(4095, 'x') + "\nx\xC3\xA4\xFFz\r\n" + std::string("a\0b\n", 4);
+  std::fwrite(text.data(), 1, text.size(), lines);
   std::rewind(lines);
   std::FILE* const old = stdin;
   stdin = lines;
@@ -72,14 +60,10 @@ TEST(StdinStream, LongLinesComeInPieces) {
     uni::stdin_stream in;
     std::string line;
     std::wstring wide;
-    EXPECT_TRUE(in.read_line(line, true));
-    EXPECT_EQ(line.size(), 4095u);
-    EXPECT_TRUE(in.read_line(line, true));
-    EXPECT_EQ(line, "");
-    EXPECT_TRUE(in.read_line_wide(wide, true));
-    EXPECT_EQ(wide, L"x\xE4");
-    EXPECT_TRUE(in.read_line(line, false));
-    EXPECT_EQ(line, "a");
+    EXPECT_TRUE(in.read_line(line, true) && line.size() == 4095u);
+    EXPECT_TRUE(in.read_line(line, true) && line.empty());
+    EXPECT_TRUE(in.read_line_wide(wide, true) && wide == L"x\xE4");
+    EXPECT_TRUE(in.read_line(line, false) && line == "a");
     EXPECT_FALSE(in.read_line(line, false));
     EXPECT_EQ(line, "");
   }

@@ -9,7 +9,7 @@ namespace {
 
 constexpr int64_t day_seconds = 86400;
 constexpr int64_t days_1601_to_1970 = 134774;
-constexpr int first_refused_year = 3001;  // for local time
+constexpr int64_t first_refused_year = 3001;  // for local time
 constexpr int last_valid_year = 3000;
 constexpr int first_valid_year = 1900;
 

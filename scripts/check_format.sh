@@ -3,6 +3,6 @@
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
-need clang-format=clang-format
+need clang-format=clang-format git=git
 echo "checking the format"
 git ls-files '*.h' '*.cpp' | xargs clang-format --dry-run --Werror

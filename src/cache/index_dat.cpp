@@ -11,21 +11,6 @@ namespace {
 
 constexpr std::string_view signature_prefix = "Client UrlCache";
 
-// Appends the names of the directory table. False if it doesn't fit.
-bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size) {
-  using namespace index_layout;
-  const uint32_t count = zk::load_le32(bytes + index_layout::directory_count);
-  if (count == 0) return true;
-  const uint64_t need = uint64_t{count} * directory_row_size;
-  const uint8_t* row = bytes + directory_table;
-  if (range_fits(bytes, row, need, size) == 0) return false;
-  container.directories.reserve(count);
-  for (uint32_t i = 0; i < count; ++i, row += directory_row_size) {
-    container.directories.emplace_back(reinterpret_cast<const char*>(row), directory_name_size);
-  }
-  return true;
-}
-
 // Decodes the record that an entry points to. Entries that point nowhere are passed over.
 void read_entry(hash_block& block, hash_entry entry, uint8_t* bytes, uint64_t size) {
   if (entry.record_offset >= size || size - entry.record_offset < 4) return;
@@ -77,6 +62,20 @@ bool classify_path(cmd_opts& opts) {
     return true;
   }
   return false;
+}
+
+bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size) {
+  using namespace index_layout;
+  const uint32_t count = zk::load_le32(bytes + index_layout::directory_count);
+  if (count == 0) return true;
+  const uint64_t need = uint64_t{count} * directory_row_size;
+  const uint8_t* row = bytes + directory_table;
+  if (range_fits(bytes, row, need, size) == 0) return false;
+  container.directories.reserve(count);
+  for (uint32_t i = 0; i < count; ++i, row += directory_row_size) {
+    container.directories.emplace_back(reinterpret_cast<const char*>(row), directory_name_size);
+  }
+  return true;
 }
 
 bool attach_directories(cache_container& container, record_table& table, const uint8_t* bytes,

@@ -16,6 +16,7 @@
 
 #include <array>
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -65,10 +66,25 @@ struct hash_block {
   std::vector<redr_record> redr_records;
 };
 
+// A span of the file that a known record takes.
+struct hash_range {
+  uint64_t offset = 0;
+  uint32_t length = 0;     // in bytes
+  int32_t url_index = -1;  // the record's place in its block's records, or among those of the gaps
+  int32_t redr_index = -1;
+  std::vector<uint32_t> blocks;  // the HASH blocks that list it; all ones for a gap's
+  bool from_gap = false;
+};
+
 struct cache_container {
   std::array<uint8_t, index_layout::header_size> header = {};
   std::vector<std::string> directories;  // in table order, each of 8 bytes, NULs included
   bool parsed = false;                   // the header's signature was right
+  // What follows is filled by walk_hash_chain alone.
+  std::vector<hash_block> hash_blocks;  // in the chain's order
+  std::map<uint64_t, hash_range> occupied;
+  std::vector<url_record> gap_urls;
+  std::vector<redr_record> gap_redrs;
 };
 
 // Copies the header. False, with nothing copied, for fewer than 81 bytes or null; false too where
@@ -83,6 +99,9 @@ uint32_t range_fits(const uint8_t* base, const uint8_t* span, uint64_t need, uin
 // Sets the record's `file_kind` from its `input_path`; the case counts. False if no name matched,
 // or there is no path, which leaves the kind alone.
 bool classify_path(cmd_opts& opts);
+
+// Appends the names of the directory table. False if it doesn't fit.
+bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size);
 
 // Reads the directory table of a whole file and gives each row the name at its directory index. A
 // row whose index lies past the table keeps its empty name. False, with all rows as they were, if

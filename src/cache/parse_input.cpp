@@ -77,6 +77,8 @@ bool parse_input(std::ostream& out, cmd_opts& opts) {
     const std::optional<bool> scanned = scan_file(table, opts);
     if (!scanned) return false;
     result = *scanned;
+  } else if (!opts.partition_path.empty() || !opts.vmdk_paths.empty()) {
+    result = scan_raw_source(table, opts);
   }
   if (opts.header_pending && opts.write_header) {
     opts.header_pending = false;

@@ -11,11 +11,13 @@
 #include "front/cmdline_ctx.h"
 #include "front/host_info.h"
 #include "front/path_match.h"
-#include "front/path_text.h"
 #include "front/portdir/stdin_stream_ex.h"
 #include "front/run_header.h"
 #include "front/usage.h"
 #include "gate/licence_gate.h"
+#include "media/disk_chain_check.h"
+#include "text/path_text.h"
+#include "text/zk_wide.h"
 #include "time/time_format.h"
 #include "time/zk_time.h"
 #include "uni/console.h"
@@ -94,6 +96,13 @@ int run_partition(std::ostream& out, cmd_opts& opts) {
   return parse_one_input(out, opts);
 }
 
+int run_disk(argument_list& args, std::ostream& out, cmd_opts& opts) {
+  if (!licence_gate::allows_option("-vmdk")) return run_failed;
+  if (!opts.parse_vmdk_options(args, disk_chain_check, nullptr, true, "-vmdk")) return run_failed;
+  for (const std::wstring& path : opts.vmdk_paths) licence_gate::see_file(zk::wide_to_utf8(path));
+  return parse_one_input(out, opts);
+}
+
 int run_file(std::ostream& out, cmd_opts& opts) {
   opts.input_path = expand_env(opts.input_path, true);
   licence_gate::see_file(opts.input_path);
@@ -124,6 +133,8 @@ int run_list(std::ostream& out, cmd_opts& opts) {
 // Exactly one mode runs: the first whose option is there.
 int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
   if (take_option("-partition", opts.partition_path, args)) return run_partition(out, opts);
+  std::string disk;
+  if (get_option_value("-vmdk", disk, args, 1)) return run_disk(args, out, opts);
   if (take_option("-f", opts.input_path, args)) return run_file(out, opts);
   if (opts.pipe || opts.enumdir) return run_list(out, opts);
   return show_help(args);

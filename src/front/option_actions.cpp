@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "front/arguments.h"
-#include "front/path_text.h"
+#include "text/path_text.h"
 #include "text/zk_string.h"
 #include "time/time_parse.h"
 #include "time/zk_time.h"

@@ -6,8 +6,8 @@
 #include "front/filter_text.h"
 #include "front/host_info.h"
 #include "front/option_actions.h"
-#include "front/path_text.h"
 #include "gate/licence_gate.h"
+#include "text/path_text.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"
 

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "front/path_text.h"
+#include "text/path_text.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 #include "uni/fileio.h"

@@ -14,9 +14,9 @@ struct file_stat {
   int kind = 0;              // 8 where the seconds fit 32 bits, else 16
 };
 
-// The test of the driver. False for an empty path or one that isn't UTF-8.
-// Deliberate: an empty filter list takes every path at once, so that the time span counts only
-// beside a filter.
+// The test of the driver. False for an empty path, and with filters for one that isn't UTF-8.
+// Deliberate: an empty filter list takes every other path at once, so that the time span counts
+// only beside a filter.
 bool filter_match(const cmd_params& span, const std::string& path, const filter_list& filters,
                   file_stat& stat);
 

@@ -2,9 +2,9 @@
 
 #include <cstdio>
 
-#include "front/path_text.h"
 #include "front/run_header.h"
 #include "gate/licence_gate.h"
+#include "text/path_text.h"
 
 void print_usage(const std::string& path) {
   std::string folder;

@@ -1,8 +1,9 @@
 // One instant, and every form that the program needs of it.
 //
 // FILETIME is an unsigned 64-bit count of 100-nanosecond ticks since 1601-01-01 00:00:00 UTC. All
-// other forms are derived from it at once. Nothing here prints or throws: a value that can't be
-// shown leaves `valid` false, and a refused conversion is a false or 0 result.
+// other forms are derived from it, local time on demand and the rest at once. Nothing here prints
+// or throws: a value that can't be shown leaves `valid` false, and a refused conversion is a false
+// or 0 result.
 #pragma once
 
 #include <cstdint>
@@ -57,8 +58,8 @@ class time {
   _windows_systemtime fields = {};
   bool valid = false;  // the object may be shown; nothing else may be read unless it is
 
-  // The instant in local time, by today's offset from UTC whatever its date. False, with zeros,
-  // where it can't be had: before 1970 and from the local year 3001 on.
+  // A valid instant in local time, by today's offset from UTC whatever its date. False, with
+  // zeros, where it can't be had: before 1970 and from the local year 3001 on.
   bool local_tm(std::tm& local) const {
     return unix_to_local_tm(static_cast<int64_t>(unix_seconds), local);
   }

@@ -5,10 +5,10 @@
 #include <algorithm>
 
 #include "front/path_match.h"
-#include "front/path_text.h"
 #include "front/portdir/stdin_stream_ex.h"
 #include "front/portdir/zk_portable_dir.h"
 #include "tests/support/temp_dir.h"
+#include "text/path_text.h"
 
 namespace {
 

@@ -36,7 +36,8 @@ class stdin_stream_ex : public uni::stdin_stream {
   // Takes the last folder that isn't too deep. False if there is none.
   bool next_folder(pending_dir& next);
   void list_folder(const pending_dir& folder);
-  // Whether the filters, unless left out, take the path. A "\\?\" in front of a long one goes.
+  // Whether the filters, unless left out, take the path. A long one that begins with
+  // two backslashes loses its first four characters, unless "global" follows them.
   bool accept_path(std::wstring& path, bool skip_filter) const;
 
   std::deque<pending_dir> pending_dirs;

@@ -7,7 +7,7 @@
 
 #include <memory>
 
-#include "front/path_text.h"
+#include "text/path_text.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 
@@ -64,6 +64,14 @@ std::vector<_DIR_NODE_STL> list_narrow(std::string folder, const std::string& pa
   return entries;
 }
 
+// The text in wide form, or nothing if it isn't plain UTF-8: a name in an overlong form would come
+// back as another, such as "..".
+std::wstring exact_wide(const std::string& text) {
+  std::wstring wide = zk::utf8_to_wide(text);
+  if (zk::wide_to_utf8(wide) != text) wide.clear();
+  return wide;
+}
+
 }  // namespace
 
 bool read_folder(const std::string& folder, std::vector<_DIR_NODE_STL>& out, uint32_t depth,
@@ -75,11 +83,17 @@ bool read_folder(const std::string& folder, std::vector<_DIR_NODE_STL>& out, uin
   while (const dirent* entry = ::readdir(stream.get())) {
     const std::string name = entry->d_name;
     if (name == "." || name == "..") continue;
-    ::fstatat(::dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW);
     _DIR_NODE_STL node;
+    node.path = folder + name;
+    // The joined path is what is asked about, and it lies elsewhere if the folder was cut at a
+    // star.
+    if (folder.back() == '/') {
+      ::fstatat(::dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW);
+    } else {
+      ::lstat(node.path.c_str(), &facts);
+    }
     node.is_dir = S_ISDIR(facts.st_mode);
     if (!node.is_dir && dirs_only) continue;
-    node.path = folder + name;
     node.depth = depth;
     if (node.is_dir) {
       node.path += slash ? '/' : '\\';
@@ -126,8 +140,8 @@ void list_dir(const std::wstring& folder, const std::wstring& pattern,
   out.clear();
   for (const _DIR_NODE_STL& node :
        list_narrow(zk::wide_to_utf8(folder), zk::wide_to_utf8(pattern))) {
-    out.push_back({zk::utf8_to_wide(node.path), zk::utf8_to_wide(node.name), node.is_dir,
-                   node.is_long_path, node.depth});
+    out.push_back(
+        {exact_wide(node.path), exact_wide(node.name), node.is_dir, node.is_long_path, node.depth});
   }
 }
 

@@ -1,4 +1,4 @@
-#include "front/path_text.h"
+#include "text/path_text.h"
 
 #include "text/zk_environment.h"
 

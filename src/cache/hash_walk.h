@@ -1,0 +1,18 @@
+// Reads an index by its structure: the chain of HASH blocks, and the gaps between the records that
+// they list. No run does this and no row comes of it; rows come of the search alone.
+#pragma once
+
+#include <cstdint>
+#include <map>
+
+#include "cache/index_dat.h"
+
+// Fills the container from a whole file. With `search_gaps` the spans between known records are
+// searched too. `bytes` are written to where decode_url_record says so. False if the header is
+// wrong or the directory table doesn't fit. A chain that comes round again ends there.
+bool walk_hash_chain(cache_container& container, uint8_t* bytes, uint32_t size, bool search_gaps);
+
+// Notes the spans of a block's records, and the block with each of them.
+// Deliberate: a new span has the block twice.
+void index_hash_block(const hash_block& block, std::map<uint64_t, hash_range>& ranges,
+                      uint32_t block_index);

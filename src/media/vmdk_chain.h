@@ -1,0 +1,54 @@
+// A VMware disk with snapshots: a base and its children, joined by the keys of their descriptors
+// and read as the newest of them shows the disk.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "media/vmdk_extent.h"
+
+// The parent key of an extent without a parent, in this spelling alone.
+inline constexpr const char* no_parent_cid = "ffffffff";
+
+class VMDK_CHAIN {
+ public:
+  explicit VMDK_CHAIN(bool write) : m_writable(write) {}
+
+  // Opens each file. False at the first that is no usable extent. Of two with the same key the
+  // first stays, and the other is closed.
+  bool add_files(const std::vector<std::wstring>& paths);
+  bool add_file(std::unique_ptr<VMDK_EXTENT> extent);
+
+  // Joins the extents by their keys. False if there is no base, or a parent isn't among them.
+  bool link();
+
+  // Reads `count` bytes at a place on the disk, each grain from the newest extent that holds it.
+  // What no extent holds, can't be read, or lies past the disk's end becomes zeros, and the count
+  // comes back full. False if the chain isn't joined properly, or nothing is asked for.
+  bool read_chain(uint8_t* out, uint64_t offset, uint32_t& count) const;
+
+  // The newest extent that holds the place; null if none does.
+  const VMDK_EXTENT* find_owner(uint64_t offset) const;
+
+  // Whether a joined chain holds nothing of a stretch, so that it reads as zeros.
+  bool is_hole(uint64_t offset, uint64_t count) const;
+
+  // Joins an extent to its parent, if that is in the map. False if it isn't.
+  bool join(VMDK_EXTENT& extent);
+
+  // Walks from the base to the leaf. The chain becomes valid unless the walk goes in circles.
+  void walk_from_base();
+
+  void clear();
+
+  std::map<std::string, std::unique_ptr<VMDK_EXTENT>> m_extents;  // by their keys, bytewise
+  VMDK_EXTENT* m_leaf = nullptr;                                  // newest, borrowed
+  VMDK_EXTENT* m_base = nullptr;                                  // without a parent, borrowed
+  bool m_writable = false;
+  bool m_valid = false;
+  std::vector<VMDK_EXTENT*> m_order;  // from the base to the leaf, borrowed
+};

@@ -1,0 +1,225 @@
+#include "media/vmdk_extent.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "media/partition_map.h"
+#include "text/le_bytes.h"
+#include "text/zk_string.h"
+#include "text/zk_wide.h"
+#include "uni/fileio.h"
+
+namespace {
+
+using namespace vmdk_layout;
+
+// A number of sectors in bytes, in 32 bits.
+uint32_t sectors_to_bytes32(uint64_t sectors) {
+  return static_cast<uint32_t>(sectors * vmdk_layout::sector_size);
+}
+
+template <class Container>
+bool resize_guarded(Container& container, uint64_t size) {
+  try {
+    container.resize(size);
+  } catch (const std::exception&) {
+    return false;
+  }
+  return true;
+}
+
+}  // namespace
+
+VMDK_EXTENT::~VMDK_EXTENT() {
+  if (m_fd != -1) ::close(m_fd);
+}
+
+bool VMDK_EXTENT::open(const std::wstring& path, bool write) {
+  m_wide_path = path;
+  m_path_utf8 = zk::wide_to_utf8(path);
+  const auto access = write ? uni::fileio::access::write : uni::fileio::access::read;
+  const uni::open_mode mode = uni::open_mode_for(access);
+  m_fd = uni::open_raw(m_path_utf8, mode.flags, mode.creation_mode);
+  m_valid = m_fd != -1 && parse();
+  return m_valid;
+}
+
+bool VMDK_EXTENT::parse() {
+  const off_t end = ::lseek(m_fd, 0, SEEK_END);
+  if (end == -1) return false;
+  m_file_size = static_cast<uint64_t>(end);
+  std::vector<uint32_t> directory;
+  return read_header() && read_descriptor() && read_directory(directory) &&
+         read_tables(directory) && read_first_sector();
+}
+
+bool VMDK_EXTENT::read_header() {
+  if (!read_filled(m_header.data(), m_header.size(), 0)) return false;
+  if (zk::load_le32(m_header.data()) != magic) return false;
+  const uint64_t grain_sectors = zk::load_le64(&m_header[grain_size]);
+  m_entries_per_table = zk::load_le32(&m_header[entries_per_table]);
+  m_bytes_per_grain = grain_sectors * vmdk_layout::sector_size;
+  m_bytes_per_table = m_entries_per_table * m_bytes_per_grain;
+  m_metadata_size = sectors_to_bytes32(zk::load_le64(&m_header[overhead]));
+  // Both divide; products that wrap to nothing are refused like a size of nothing.
+  return m_bytes_per_grain != 0 && m_bytes_per_table != 0;
+}
+
+bool VMDK_EXTENT::read_descriptor() {
+  const uint64_t at = zk::load_le64(&m_header[descriptor_offset]) * vmdk_layout::sector_size;
+  const uint32_t size = sectors_to_bytes32(zk::load_le64(&m_header[descriptor_size]));
+  if (at > static_cast<uint64_t>(INT64_MAX)) return false;
+  // What lies past the file is zeros, which end the text, and need not be held.
+  const uint64_t held = at < m_file_size ? std::min<uint64_t>(size, m_file_size - at) : 0;
+  std::string text;
+  if (!resize_guarded(text, held)) return false;
+  if (!read_filled(reinterpret_cast<uint8_t*>(text.data()), held, at)) return false;
+  text.resize(std::min(text.find('\0'), text.size()));
+  for (size_t begin = 0; begin < text.size();) {
+    const size_t line_end = std::min(text.find('\n', begin), text.size());
+    if (line_end != begin) read_descriptor_line(text.substr(begin, line_end - begin));
+    begin = line_end + 1;
+  }
+  return true;
+}
+
+void VMDK_EXTENT::read_descriptor_line(const std::string& line) {
+  m_descriptor_lines.push_back(zk::utf8_to_wide(line));
+  const struct {
+    const char* name;
+    std::string& value;
+  } keys[] = {{"cid=", m_cid},
+              {"parentcid=", m_parent_cid},
+              {"encoding=", m_encoding},
+              {"parentfilenamehint=", m_parent_hint}};
+  std::string copy = line;
+  zk::to_lower(copy);
+  for (const auto& key : keys) {
+    if (!copy.starts_with(key.name)) continue;
+    key.value = line.substr(std::strlen(key.name));
+    return;
+  }
+}
+
+bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
+  const uint64_t overhead_sectors = zk::load_le64(&m_header[overhead]);
+  const uint64_t begin = zk::load_le64(&m_header[directory_offset]) * vmdk_layout::sector_size;
+  if (m_metadata_size < std::max(begin, overhead_sectors * vmdk_layout::sector_size)) return false;
+  if (m_metadata_size - begin < sizeof(uint32_t)) return false;
+  std::array<uint8_t, sizeof(uint32_t)> first = {};
+  if (!read_filled(first.data(), first.size(), begin)) return false;
+  const uint32_t first_table = sectors_to_bytes32(zk::load_le32(first.data()));
+  if (m_metadata_size < first_table || first_table < begin) return false;
+
+  // The directory ends where the first table begins.
+  const uint64_t size = (first_table - begin) / vmdk_layout::sector_size * vmdk_layout::sector_size;
+  const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
+  if (size > largest_tables || size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
+  std::vector<uint8_t> bytes;
+  if (!resize_guarded(bytes, size) || !resize_guarded(directory, size / sizeof(uint32_t))) {
+    return false;
+  }
+  if (!read_filled(bytes.data(), size, begin)) return false;
+  for (size_t i = 0; i < directory.size(); ++i) {
+    directory[i] = zk::load_le32(&bytes[i * sizeof(uint32_t)]);
+  }
+  return true;
+}
+
+bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
+  const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
+  if (directory.empty()) return false;
+  std::vector<uint8_t> table;
+  std::vector<uint8_t> scratch;
+  if (!resize_guarded(table, table_bytes) || !resize_guarded(scratch, table_bytes)) return false;
+  if (!resize_guarded(m_grain_tables, directory.size() * m_entries_per_table)) return false;
+  uint32_t* entry = m_grain_tables.data();
+  for (const uint32_t sector : directory) {
+    const uint32_t at = sectors_to_bytes32(sector);
+    const bool in_metadata = at + table_bytes <= m_metadata_size;
+    if (in_metadata) {
+      if (!read_filled(table.data(), table_bytes, at)) return false;
+    } else if (::pread(m_fd, scratch.data(), table_bytes, at) == -1) {
+      break;  // the tables read so far stand; a short read instead leaves what was read before it
+    }
+    const std::vector<uint8_t>& source = in_metadata ? table : scratch;
+    for (uint64_t i = 0; i < m_entries_per_table; ++i) {
+      *entry++ = zk::load_le32(&source[i * sizeof(uint32_t)]);
+    }
+    ++m_table_count;
+  }
+  return m_table_count != 0;
+}
+
+bool VMDK_EXTENT::read_first_sector() {
+  std::array<uint8_t, vmdk_layout::sector_size> sector = {};
+  if (!read_filled(sector.data(), sector.size(), sectors_to_bytes32(m_grain_tables[0]))) {
+    return false;
+  }
+  VOLUME_LIST volumes;
+  if (!partition_map(sector.data(), sector.size(), volumes, false)) {
+    partition_map(sector.data(), sector.size(), volumes, true);
+  }
+  for (const VOLUME_ENTRY& volume : volumes) {
+    m_volume_offsets.push_back(volume.m_start_sector * volume.m_sector_size);
+    m_volume_sector_sizes.push_back(volume.m_sector_size);
+  }
+  return true;
+}
+
+bool VMDK_EXTENT::locate_grain(uint64_t offset, uint64_t& file_offset) const {
+  if (!m_valid) return false;
+  const auto table = static_cast<uint32_t>(offset / m_bytes_per_table);
+  if (table >= m_table_count) return false;
+  const uint64_t entry = (offset - table * m_bytes_per_table) / m_bytes_per_grain;
+  if (static_cast<uint32_t>(entry) >= m_entries_per_table) return false;
+  const uint64_t at = uint64_t{table} * m_entries_per_table + static_cast<uint32_t>(entry);
+  const uint32_t sector = m_grain_tables[at];
+  if (sector == 0) return false;
+  file_offset = uint64_t{sector} * vmdk_layout::sector_size +
+                static_cast<uint32_t>(offset % m_bytes_per_grain);
+  return true;
+}
+
+uint32_t VMDK_EXTENT::bytes_to_grain_end(uint64_t offset) const {
+  if (!m_valid) return 0;
+  return static_cast<uint32_t>(m_bytes_per_grain - offset % m_bytes_per_grain);
+}
+
+bool VMDK_EXTENT::read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const {
+  uint64_t file_offset = 0;
+  if (!m_valid || fd == -1 || count == 0) return false;
+  if (!locate_grain(offset, file_offset) || file_offset >= m_file_size) return false;
+  if (file_offset + count >= m_file_size) count = static_cast<uint32_t>(m_file_size - file_offset);
+  uint32_t total = 0;
+  for (;;) {
+    const uint32_t piece = std::min(count - total, bytes_to_grain_end(offset));
+    const ssize_t got = ::pread(fd, out + total, piece, static_cast<off_t>(file_offset));
+    if (got < 1) return false;
+    std::memset(out + total + got, 0, piece - static_cast<uint32_t>(got));
+    total += piece;
+    offset += piece;
+    if (total == count) return true;
+    if (!locate_grain(offset, file_offset)) return false;
+  }
+}
+
+uint64_t VMDK_EXTENT::capacity_bytes() const {
+  return m_valid ? zk::load_le64(&m_header[capacity]) * vmdk_layout::sector_size : 0;
+}
+
+bool VMDK_EXTENT::read_filled(uint8_t* out, uint64_t count, uint64_t at) const {
+  uint64_t done = 0;
+  while (done < count) {
+    const ssize_t got = ::pread(m_fd, out + done, count - done, static_cast<off_t>(at + done));
+    if (got == -1) return false;
+    if (got == 0) break;
+    done += static_cast<uint64_t>(got);
+  }
+  if (done < count) std::memset(out + done, 0, count - done);
+  return true;
+}

@@ -1,0 +1,75 @@
+// One file of a VMware disk: a hosted sparse extent with uncompressed grains and its descriptor
+// inside. It knows nothing of its parent. Nothing here prints.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "media/zk_disk_structs.h"
+
+class VMDK_EXTENT {
+ public:
+  VMDK_EXTENT() = default;
+  VMDK_EXTENT(const VMDK_EXTENT&) = delete;
+  VMDK_EXTENT& operator=(const VMDK_EXTENT&) = delete;
+  ~VMDK_EXTENT();
+
+  // Opens the file and reads its header, descriptor, grain directory and grain tables. False, with
+  // `m_valid` false, if it is no such extent, can't be read, or its tables would take more than
+  // `largest_tables` bytes. Call once.
+  bool open(const std::wstring& path, bool write);
+
+  // The place in the file of a byte of the virtual disk. False if this extent doesn't hold it; true
+  // also where the place lies past the file's end.
+  bool locate_grain(uint64_t offset, uint64_t& file_offset) const;
+
+  // The bytes from a place on the virtual disk to the end of its grain, in 32 bits.
+  uint32_t bytes_to_grain_end(uint64_t offset) const;
+
+  // Reads `count` bytes of the virtual disk from the grains that this extent holds. A grain that
+  // the file's end cuts short is filled with zeros, or lowers `count`. False if nothing usable
+  // came.
+  bool read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const;
+
+  // The size of the virtual disk in bytes, by this extent's header.
+  uint64_t capacity_bytes() const;
+
+  // What a hostile directory can make the tables take.
+  static constexpr uint64_t largest_tables = 512ULL << 20;
+
+  std::vector<std::wstring> m_descriptor_lines;
+  std::string m_encoding;
+  std::string m_parent_cid;  // values as they stand, quotes and carriage returns included
+  std::string m_cid;
+  std::string m_parent_hint;
+  VMDK_EXTENT* m_child = nullptr;   // next newer, borrowed
+  VMDK_EXTENT* m_parent = nullptr;  // next older, borrowed
+  std::vector<uint64_t> m_volume_offsets;
+  std::vector<uint32_t> m_volume_sector_sizes;
+  uint64_t m_bytes_per_grain = 0;
+  bool m_valid = false;
+  int m_fd = -1;
+  std::string m_path_utf8;
+  std::wstring m_wide_path;
+
+ private:
+  bool parse();
+  bool read_header();
+  bool read_descriptor();
+  void read_descriptor_line(const std::string& line);
+  bool read_directory(std::vector<uint32_t>& directory);
+  bool read_tables(const std::vector<uint32_t>& directory);
+  bool read_first_sector();
+  // Reads from the file; what it doesn't have becomes zeros. False if the read fails.
+  bool read_filled(uint8_t* out, uint64_t count, uint64_t at) const;
+
+  std::array<uint8_t, vmdk_layout::sector_size> m_header = {};
+  uint64_t m_file_size = 0;
+  uint64_t m_bytes_per_table = 0;
+  uint32_t m_entries_per_table = 0;
+  uint32_t m_metadata_size = 0;          // in bytes
+  std::vector<uint32_t> m_grain_tables;  // one behind the other
+  uint64_t m_table_count = 0;
+};

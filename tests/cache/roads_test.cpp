@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "cache/parse_input.h"
-#include "tests/support/run_udx.h"
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "tools/index_builder.h"
 

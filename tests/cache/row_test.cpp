@@ -5,7 +5,7 @@
 
 #include "cache/index_dat.h"
 #include "cache/row_writer.h"
-#include "tests/support/run_udx.h"
+#include "tests/support/case_file.h"
 #include "tools/index_builder.h"
 
 namespace {
@@ -72,18 +72,13 @@ TEST(Row, ALeaksAccessTime) {
 }
 
 TEST(Row, LocalLabel) {
-  struct label_case { const char *path, *url; bool local; };
-  for (const auto& c : std::vector<label_case>{
-           {"/History/MSHist0/index.dat", "u", true}, {"/History/index.dat", "u", false},
-           {"/x", ":2009072120090722; alice@x", true}, {"/x", ":2009072120090722: alice@x", false},
-           {"/x", ":2009072120090722, alice@x", true},  // the comma has become a semicolon
-           {"/x", ":2009072120090722; ", false}, {"/x", ":2009072120090722; a", true},
-           {"/x", "02009072120090722; alice@x", false}}) {
-    record made = record::url(c.url).last_mod(filetime_of(2004, 1, 1)).access(filetime_of(2004, 1, 1));
-    const auto found = cells(line_of(made.expires(dos_of(2004, 1, 1)).last_sync(dos_of(2004, 1, 1)), options_for(c.path)));
-    EXPECT_EQ(found[1], c.local ? "00:00:00.000 local" : "00:00:00.000 UTC") << c.url;
+  check_cases("cache/label", [](const strings& c) {
+    const uint64_t ticks = filetime_of(2004, 1, 1);
+    record made = record::url(c[1]).last_mod(ticks).access(ticks).expires(dos_of(2004, 1, 1)).last_sync(dos_of(2004, 1, 1));
+    const strings found = cells(line_of(made, options_for(c[0])));
     for (const size_t other : {3u, 5u, 7u}) EXPECT_EQ(found[other], "00:00:00.000 UTC");
-  }
+    return found[1].substr(13);
+  });
 }
 
 // Counts how often its stream is flushed.

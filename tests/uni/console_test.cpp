@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/run_udx.h"
+#include "tests/support/case_file.h"
 #include "uni/stdin_stream.h"
 
 namespace {

@@ -7,12 +7,13 @@
 
 namespace {
 
+// clang-format off
+
 using sample::byte_vector;
 using sample::record;
 
 // The directory names that rows with these indexes get from a file of `size` bytes.
-strings attached(byte_vector bytes, size_t size, uint32_t count,
-                 const std::vector<uint8_t>& indexes) {
+strings attached(byte_vector bytes, size_t size, uint32_t count, const std::vector<uint8_t>& indexes) {
   zk::store_le32(&bytes[index_layout::directory_count], count);
   bytes.resize(size);
   bytes.shrink_to_fit();
@@ -36,14 +37,11 @@ hash_block read_block(byte_vector bytes, uint64_t offset = 0x1000) {
   return block;
 }
 
-// clang-format off
-
 TEST(Container, HeaderAndRange) {
   byte_vector bytes = sample::header_bytes({}, 0);
   cache_container container;
   EXPECT_FALSE(read_header(container, bytes.data(), 80) || container.header[0] != 0);
-  EXPECT_TRUE(read_header(container, bytes.data(), 81));
-  EXPECT_FALSE(read_header(container, nullptr, 81));
+  EXPECT_TRUE(read_header(container, bytes.data(), 81) && !read_header(container, nullptr, 81));
   bytes[15] = 'x';
   EXPECT_TRUE(read_header(container, bytes.data(), 81));
   bytes[14] = 'x';
@@ -51,9 +49,8 @@ TEST(Container, HeaderAndRange) {
   const uint8_t* base = bytes.data();
   EXPECT_EQ(range_fits(base, base + 10, 89, 100), 10u);
   EXPECT_EQ(range_fits(base, base + 10, 90, 100), 0u);  // ends exactly at the end
-  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100), 0u);
-  EXPECT_EQ(range_fits(base, base + 10, 101, 100) + range_fits(base, base + 10, 0, 0), 0u);
-  EXPECT_EQ(range_fits(nullptr, base, 1, 100) + range_fits(base, nullptr, 1, 100), 0u);
+  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100) + range_fits(base, base + 10, 0, 0) +
+                range_fits(base, base + 10, 101, 100) + range_fits(nullptr, base, 1, 100), 0u);
 }
 
 TEST(Container, KindFromThePath) {
@@ -106,7 +103,8 @@ TEST(HashBlock, Refusals) {
   const byte_vector bytes = sample::index_file().add(record::url("u")).bytes();
   byte_vector counted = bytes, last = bytes;
   std::copy_n("HASH\0\0\0\0", 8, last.end() - 24);  // whose first entry reaches the end
-  for (const uint64_t at : {uint64_t{0x1080}, bytes.size() - 23, ~uint64_t{0}}) EXPECT_FALSE(read_block(bytes, at).parsed);
+  for (const uint64_t at : {uint64_t{0x1080}, bytes.size() - 23, ~uint64_t{0}})
+    EXPECT_FALSE(read_block(bytes, at).parsed);
   EXPECT_FALSE(read_block({}, 0).parsed || read_block(last, bytes.size() - 24).parsed);
   struct count_case { uint64_t blocks; bool read; };
   for (const auto& c : std::vector<count_case>{{bytes.size() / 128, true}, {bytes.size() / 128 + 1, false},

@@ -11,6 +11,8 @@
 
 namespace {
 
+// clang-format off
+
 using text = std::string;
 
 struct parsed {
@@ -28,19 +30,13 @@ struct parsed {
   }
 };
 
-// clang-format off
-
-TEST(Arguments, FindTakeAndJoin) {
-  argument_list args = {"udx", "-A", "1", "-b", "-A", "2", "", "-last"};
+TEST(Arguments, DropAndJoin) {
+  argument_list args = {"udx", "", "-last"};
   text value = "old";
-  EXPECT_TRUE(has_option("-a", args, 1) && !has_option("-a", args, 5) && !has_option("-", args, 0));
-  EXPECT_TRUE(get_option_value("-a", value, args, 2) && value == "2");
-  EXPECT_FALSE(get_option_value("-last", value, args, 0) || take_option("-last", value, args));
-  EXPECT_TRUE(take_option("-A", value, args) && value == "1");
-  EXPECT_TRUE(take_flag("-B", args, true) && take_flag("-B", args) && !take_flag("-B", args));
+  EXPECT_TRUE(has_option("-LAST", args, 1) && !has_option("udx", args, 1) && !has_option("-", args, 0));
   drop_argument(99, args);
   drop_argument(-1, args);
-  EXPECT_EQ(args, (argument_list{"udx", "-A", "2", "", "-last"}));
+  EXPECT_EQ(args, (argument_list{"udx", "", "-last"}));
   make_cmdline(value, {"u d x", "", "it's", "a b"}, '\'');
   EXPECT_EQ(value, "'u d x'  it's 'a b'");
   const char* const argv[] = {"udx", nullptr};
@@ -68,8 +64,8 @@ text changes(const argument_list& args) {
   SHOW(mode_bodyfile), SHOW(mode_multiline), SHOW(verbose), SHOW(show_progress), SHOW(pair_datetime);
   SHOW(header_pending), SHOW(diag_on), SHOW(diag_level), SHOW(profile), SHOW(signal_name), SHOW(pipe);
   SHOW(filters.size()), SHOW(skip_filters.size()), SHOW(enumdir), SHOW(enumdir_path), SHOW(num_subdirs);
-  SHOW(start_time_set), SHOW(stop_time_set), SHOW(start_filetime), SHOW(stop_filetime), SHOW(start_unix), SHOW(stop_unix);
-  show_map("aliases", o.aliases), show_map("alias_paths", o.alias_paths);
+  SHOW(start_time_set), SHOW(stop_time_set), SHOW(start_filetime), SHOW(stop_filetime), SHOW(start_unix);
+  SHOW(stop_unix), show_map("aliases", o.aliases), show_map("alias_paths", o.alias_paths);
   return seen.substr(0, seen.find_last_not_of(' ') + 1);
 }
 
@@ -97,7 +93,8 @@ TEST(Options, WhatEachChanges) {
     with.opts.diag_printf("%s", text(300, 'x').c_str());  // cut at what its format leaves
     with.opts.diag_printf("%d-%d", 1, 2);
   }
-  EXPECT_EQ(read_file(dir.path("d")), "->/usr/bin/udx.bin -l3 -diags " + dir.path("d") + " -l2\n->" + text(257, 'x') + "\n->1-2\n");
+  EXPECT_EQ(read_file(dir.path("d")), "->/usr/bin/udx.bin -l3 -diags " + dir.path("d") + " -l2\n->" +
+                                    text(257, 'x') + "\n->1-2\n");
 }
 
 TEST(Options, DiskLists) {

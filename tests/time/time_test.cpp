@@ -9,6 +9,8 @@
 
 namespace {
 
+// clang-format off
+
 using sample::dos_of;
 using sample::filetime_of;
 
@@ -45,8 +47,6 @@ void use_zone(const char* zone) {
   tzset();
 }
 
-// clang-format off
-
 TEST(Filetime, CalendarFields) {
   for (int64_t day = 0; day < 511000; day += 13) {  // 1601 to 3000, against the C library
     const std::time_t seconds = (day - 134774) * 86400 + 12345;
@@ -79,8 +79,7 @@ TEST(Filetime, WhatIsValid) {
          {epoch - 1, true, false}, {epoch, false, false}, {epoch + second - 1, false, false},
          {epoch + second, true, true}, {year_3001 - 1, true, true}, {year_3001, false, false},
          {0x7FFFFFFFFFFFFFFF, false, false}, {0x8000000000000000, false, false}});
-  EXPECT_EQ(loaded(1).fields.year, 1601);
-  EXPECT_EQ(loaded(1ULL << 63).fields.year, 0);
+  EXPECT_EQ(joined(loaded(1).fields.year, loaded(1ULL << 63).fields.year), "1601|0");
   uint64_t seconds = 0;
   EXPECT_TRUE(zk::filetime_to_unix(epoch - second, seconds));
   EXPECT_GT(seconds, 1000000000000u);  // wrapped, not negative
@@ -93,8 +92,7 @@ TEST(Filetime, WhatIsValid) {
   std::tm local = {};
   EXPECT_TRUE(loaded(filetime_of(2008, 2, 29, 20, 0, 1)).local_tm(local));
   EXPECT_EQ(joined(local.tm_mon, local.tm_mday, local.tm_min, local.tm_wday, local.tm_yday), "2|1|30|6|60");
-  EXPECT_FALSE(zk::unix_to_local_tm(-1, local));
-  EXPECT_EQ(local.tm_mday, 0);
+  EXPECT_FALSE(zk::unix_to_local_tm(-1, local) || local.tm_mday != 0);
   std::tm noon = {};
   noon.tm_year = 100, noon.tm_mday = 2, noon.tm_hour = 12;
   zk::time t;

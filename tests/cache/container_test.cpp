@@ -2,17 +2,18 @@
 #include <gtest/gtest.h>
 
 #include "cache/index_dat.h"
+#include "tests/support/case_file.h"
 #include "tools/index_builder.h"
 
 namespace {
 
+// clang-format off
+
 using sample::byte_vector;
 using sample::record;
-using names = std::vector<std::string>;
 
 // The directory names that rows with these indexes get from a file of `size` bytes.
-names attached(byte_vector bytes, size_t size, uint32_t count,
-               const std::vector<uint8_t>& indexes) {
+strings attached(byte_vector bytes, size_t size, uint32_t count, const std::vector<uint8_t>& indexes) {
   zk::store_le32(&bytes[index_layout::directory_count], count);
   bytes.resize(size);
   bytes.shrink_to_fit();
@@ -22,7 +23,7 @@ names attached(byte_vector bytes, size_t size, uint32_t count,
   cache_container container;
   container.directories = {"used", "before"};
   attach_directories(container, table, bytes.data(), static_cast<uint32_t>(size));
-  names found;
+  strings found;
   for (const auto& [offset, row] : table.rows) found.emplace_back(row.directory);
   return found;
 }
@@ -36,14 +37,11 @@ hash_block read_block(byte_vector bytes, uint64_t offset = 0x1000) {
   return block;
 }
 
-// clang-format off
-
 TEST(Container, HeaderAndRange) {
   byte_vector bytes = sample::header_bytes({}, 0);
   cache_container container;
   EXPECT_FALSE(read_header(container, bytes.data(), 80) || container.header[0] != 0);
-  EXPECT_TRUE(read_header(container, bytes.data(), 81));
-  EXPECT_FALSE(read_header(container, nullptr, 81));
+  EXPECT_TRUE(read_header(container, bytes.data(), 81) && !read_header(container, nullptr, 81));
   bytes[15] = 'x';
   EXPECT_TRUE(read_header(container, bytes.data(), 81));
   bytes[14] = 'x';
@@ -51,34 +49,28 @@ TEST(Container, HeaderAndRange) {
   const uint8_t* base = bytes.data();
   EXPECT_EQ(range_fits(base, base + 10, 89, 100), 10u);
   EXPECT_EQ(range_fits(base, base + 10, 90, 100), 0u);  // ends exactly at the end
-  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100), 0u);
-  EXPECT_EQ(range_fits(base, base + 10, 101, 100) + range_fits(base, base + 10, 0, 0), 0u);
-  EXPECT_EQ(range_fits(nullptr, base, 1, 100) + range_fits(base, nullptr, 1, 100), 0u);
+  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100) + range_fits(base, base + 10, 0, 0) +
+                range_fits(base, base + 10, 101, 100) + range_fits(nullptr, base, 1, 100), 0u);
 }
 
 TEST(Container, KindFromThePath) {
-  struct kind_case { const char* path; uint32_t kind; bool matched; };
-  for (const auto& c : std::vector<kind_case>{
-           {"/History/MSHist012/index.dat", 3, true}, {"/History.IE5/index.dat", 2, true},
-           {"/Temporary Internet Files/index.dat", 4, true}, {"/Cookies/index.dat", 5, true},
-           {"/Temp/index.dat", 6, true}, {"/temp/history/index.dat", 1, false}, {"/Temp/Cookies", 5, true},
-           {"", 99, false}}) {
+  check_cases("cache/kind", [](const strings& c) {
     cmd_opts opts;
     opts.file_kind = 99;
-    opts.input_path = c.path;
-    EXPECT_EQ(classify_path(opts), c.matched) << c.path;
-    EXPECT_EQ(opts.file_kind, c.kind) << c.path;
-  }
+    opts.input_path = c[0];
+    const bool matched = classify_path(opts);
+    return joined(opts.file_kind, matched);
+  });
 }
 
 TEST(Container, DirectoriesThatFit) {
   const byte_vector bytes = sample::header_bytes({"AAAAAAAA", "OLD1"}, 0);
-  EXPECT_EQ(attached(bytes, 4096, 2, {0, 1, 2, 0xFE}), (names{"AAAAAAAA", std::string("OLD1\0\0\0\0", 8), "", ""}));
-  EXPECT_EQ(attached(bytes, 4096, 0, {0}), names{""});
-  EXPECT_EQ(attached(bytes, 0x50 + 24, 2, {0}), names{""});  // ends exactly at the end
-  EXPECT_EQ(attached(bytes, 0x50 + 25, 2, {0}), names{"AAAAAAAA"});
+  EXPECT_EQ(attached(bytes, 4096, 2, {0, 1, 2, 0xFE}), (strings{"AAAAAAAA", std::string("OLD1\0\0\0\0", 8), "", ""}));
+  EXPECT_EQ(attached(bytes, 4096, 0, {0}), strings{""});
+  EXPECT_EQ(attached(bytes, 0x50 + 24, 2, {0}), strings{""});  // ends exactly at the end
+  EXPECT_EQ(attached(bytes, 0x50 + 25, 2, {0}), strings{"AAAAAAAA"});
   for (const uint32_t hostile : {0x15555556u, 0x15555555u, 0x80000000u, 0xFFFFFFFFu, 400u}) {
-    EXPECT_EQ(attached(bytes, 4096, hostile, {0}), names{""}) << hostile;  // some wrap in 32 bits
+    EXPECT_EQ(attached(bytes, 4096, hostile, {0}), strings{""}) << hostile;  // some wrap in 32 bits
   }
   // With that many names even a redirect's row has one.
   EXPECT_EQ(attached(bytes, 4096, 255, {cache_row().directory_index, 0xFF})[0].size(), 8u);
@@ -111,7 +103,8 @@ TEST(HashBlock, Refusals) {
   const byte_vector bytes = sample::index_file().add(record::url("u")).bytes();
   byte_vector counted = bytes, last = bytes;
   std::copy_n("HASH\0\0\0\0", 8, last.end() - 24);  // whose first entry reaches the end
-  for (const uint64_t at : {uint64_t{0x1080}, bytes.size() - 23, ~uint64_t{0}}) EXPECT_FALSE(read_block(bytes, at).parsed);
+  for (const uint64_t at : {uint64_t{0x1080}, bytes.size() - 23, ~uint64_t{0}})
+    EXPECT_FALSE(read_block(bytes, at).parsed);
   EXPECT_FALSE(read_block({}, 0).parsed || read_block(last, bytes.size() - 24).parsed);
   struct count_case { uint64_t blocks; bool read; };
   for (const auto& c : std::vector<count_case>{{bytes.size() / 128, true}, {bytes.size() / 128 + 1, false},

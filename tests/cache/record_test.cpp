@@ -4,9 +4,12 @@
 
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
+#include "tests/support/case_file.h"
 #include "tools/index_builder.h"
 
 namespace {
+
+// clang-format off
 
 using namespace url_layout;
 using sample::byte_vector;
@@ -40,20 +43,15 @@ byte_vector cut(byte_vector bytes, size_t size) {
 }
 
 // A record of three blocks with a URL at 104 and its string area, 280 bytes, filled with dots.
-record roomy() {
-  return record::url("u").put_text(106, std::string(278, '.'));
-}
+record roomy() { return record::url("u").put_text(106, std::string(278, '.')); }
 
 const byte_vector neighbour = record::redr("next").bytes();
-
-// clang-format off
 
 TEST(UrlRecord, NeedsItsFixedPartAndSignature) {
   const byte_vector bytes = record::url("u").bytes(), leak = cut(record::leak().bytes(), 104);
   for (const size_t size : {0u, 4u, 103u}) EXPECT_FALSE(decode(cut(bytes, size)).accepted);
   const decoded bare = decode(cut(bytes, 104));  // no room for a URL, but the signature counts
-  EXPECT_TRUE(!bare.accepted && bare.record.valid);
-  EXPECT_TRUE(decode(leak).accepted);
+  EXPECT_TRUE(!bare.accepted && bare.record.valid && decode(leak).accepted);
   const byte_vector moved = byte_vector(24, 'x') + leak;
   EXPECT_EQ(decode(moved, 24).record.offset, 24u);
   for (const uint64_t at : {uint64_t{25}, uint64_t{129}, ~uint64_t{0}}) EXPECT_FALSE(decode(moved, at).accepted);
@@ -65,24 +63,17 @@ TEST(UrlRecord, NeedsItsFixedPartAndSignature) {
 }
 
 TEST(UrlRecord, UrlOffsetAndCut) {
-  struct offset_case { uint32_t offset; bool accepted; size_t size; };
-  for (const auto& c : std::vector<offset_case>{{0, false, 0}, {104, true, 1}, {383, true, 1}, {384, false, 0},
-                                                {0xFFFFFFFF, false, 0}}) {
-    const decoded d = decode(roomy().put32(url_offset, c.offset).bytes());
-    EXPECT_EQ(d.accepted, c.accepted) << c.offset;
-    EXPECT_EQ(d.record.url.size(), c.size) << c.offset;
-  }
-  // 24 bytes to the next record or to the end: only the end lets a URL of 24 count as whole.
-  struct cut_case { size_t length; bool next; size_t size; bool whole; };
-  for (const auto& c : std::vector<cut_case>{{23, true, 23, true}, {24, true, 24, false}, {60, true, 24, false},
-                                             {24, false, 24, true}, {60, false, 24, true}}) {
-    const byte_vector bytes = cut(record::url(std::string(c.length, 'u')).put32(header_offset, 104)
-                                      .put32(header_length, 4).bytes(), 128);
-    const decoded d = decode(c.next ? bytes + neighbour : bytes);
+  check_cases("cache/url_offset", [](const strings& c) {
+    const decoded d = decode(roomy().put32(url_offset, number32(c[0])).bytes());
+    return joined(d.accepted, d.record.url.size());
+  });
+  check_cases("cache/url_cut", [](const strings& c) {  // 24 bytes to the next record or to the end
+    const record made = record::url(std::string(number(c[0]), 'u')).put32(header_offset, 104).put32(header_length, 4);
+    const byte_vector bytes = cut(made.bytes(), 128);
+    const decoded d = decode(c[1] == "true" ? bytes + neighbour : bytes);
     EXPECT_TRUE(d.accepted);
-    EXPECT_EQ(d.record.url.size(), c.size) << c.length;
-    EXPECT_EQ(d.record.http_header.empty(), !c.whole) << c.length;
-  }
+    return joined(d.record.url.size(), d.record.http_header.empty() ? "cut" : "whole");
+  });
 }
 
 TEST(UrlRecord, TheNextRecordEndsTheRoom) {
@@ -96,44 +87,29 @@ TEST(UrlRecord, TheNextRecordEndsTheRoom) {
 }
 
 TEST(UrlRecord, FileNameRunsOnToItsNul) {
-  struct name_case { uint32_t offset; const char* name; };
-  for (const auto& c : std::vector<name_case>{{0, ""}, {120, "name"}, {127, "REDR\1"}, {128, ""}, {0xFFFFFFFF, ""}}) {
-    const record made = record::url("u").put_text(120, std::string("name\0\0\0 ", 8)).put32(filename_offset, c.offset);
-    EXPECT_EQ(decode(made.bytes() + neighbour).record.filename, c.name) << c.offset;
-  }
+  check_cases("cache/file_name", [](const strings& c) {
+    record made = record::url("u").put_text(120, std::string("name\0\0\0 ", 8));
+    return decode(made.put32(filename_offset, number32(c[0])).bytes() + neighbour).record.filename;
+  });
   const record open = record::leak().put32(filename_offset, 126).put_text(104, std::string(24, 'f'));
   EXPECT_EQ(decode(open.bytes()).record.filename, "ff");  // without a NUL it ends where the bytes do
 }
 
-TEST(UrlRecord, HeaderSpan) {
-  struct span_case { uint32_t start, length; bool accepted; size_t taken; };
-  for (const auto& c : std::vector<span_case>{
-           {200, 10, true, 10}, {374, 10, true, 10}, {375, 10, true, 0}, {383, 1, true, 1}, {384, 1, true, 0},
-           {384, 0, false, 0}, {385, 0, true, 280}, {385, 281, true, 0}, {200, 0, false, 0}, {0, 0, true, 280},
-           {0, 280, true, 280}, {0, 281, true, 0}, {104, 280, true, 280}, {103, 280, true, 280}, {105, 280, true, 0},
-           {10, 281, true, 0}, {0xFFFFFFFF, 10, true, 280}, {200, 0xFFFFFFFF, true, 0}}) {
-    record made = roomy().put8(105, '.').put8(103, '.').put32(header_offset, c.start).put32(header_length, c.length);
-    const decoded d = decode(made.put32(url_offset, 383).bytes());
-    EXPECT_EQ(d.accepted, c.accepted) << c.start << ' ' << c.length;
-    EXPECT_EQ(d.record.http_header.size(), c.taken) << c.start << ' ' << c.length;
-  }
+TEST(UrlRecord, HeaderSpanTextUserAndCleaning) {
+  const auto with_header = [](record made, const std::string& start, const std::string& length) {
+    return decode(made.put32(header_offset, number32(start)).put32(header_length, number32(length)).bytes());
+  };
+  check_cases("cache/header_span", [&](const strings& c) {
+    const record made = roomy().put8(105, '.').put8(103, '.').put32(url_offset, 383);
+    const decoded d = with_header(made, c[0], c[1]);
+    return joined(d.accepted, d.record.http_header.size());
+  });
   EXPECT_FALSE(decode(cut(record::url("u").put32(url_offset, 96).bytes(), 104)).accepted);  // an empty area
-}
-
-TEST(UrlRecord, HeaderTextUserAndCleaning) {
-  struct text_case { std::string span, header, user; };
-  const std::string nul(1, '\0');
-  for (const auto& c : std::vector<text_case>{
-           {"a\r\nb,c \x7F\x80~", "a  b;c   ~", ""}, {"text~U: al,ice \r\n" + nul + "more", "text", "al,ice"},
-           {"text~U:no end", "text", "no end"}, {"~U:alice" + nul, "-", "-"}, {"~U", "~U", ""}, {"\r\n", "", ""},
-           {"one" + nul + "two~U:bob" + nul, "one", "bob"}, {" ,x, ~U:" + nul, ";x;", ""},
-           {nul + "~U:bob", "", "bob"}, {"x~U:a~U:b", "x", "a~U:b"}}) {
-    const decoded d = decode(roomy().put32(header_offset, 130).put_text(130, c.span)
-                                 .put32(header_length, static_cast<uint32_t>(c.span.size())).bytes());
+  check_cases("cache/header_text", [&](const strings& c) {
+    const decoded d = with_header(roomy().put_text(130, c[0]), "130", std::to_string(c[0].size()));
     EXPECT_TRUE(d.accepted);
-    EXPECT_EQ(d.record.http_header, c.header) << c.span;
-    EXPECT_EQ(d.record.user, c.user) << c.span;
-  }
+    return joined(d.record.http_header, d.record.user);
+  });
   const decoded d = decode(record::url("\t a,b\rc\nd \r\n").filename(" x,\ny ").bytes());
   EXPECT_EQ(d.record.url + "|" + d.record.filename, "a;b c;d|x;;y");
   const decoded leak = decode(record::url("u").filename("f").header("h", "u").put_text(0, "LEAK").bytes());

@@ -5,11 +5,13 @@
 #include <sstream>
 
 #include "cache/parse_input.h"
-#include "tests/support/run_udx.h"
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "tools/index_builder.h"
 
 namespace {
+
+// clang-format off
 
 using sample::record;
 
@@ -31,13 +33,11 @@ struct parsed {
 };
 
 // A file of `size` bytes, zeros but for a record at `at`, parsed without its header line.
-parsed with_record(const temp_dir& dir, uint64_t size, uint64_t at, const record& placed,
-                   bool progress = false) {
+parsed with_record(const temp_dir& dir, uint64_t size, uint64_t at, const record& placed, bool progress = false) {
   const std::string path = dir.write("f", "");
   std::filesystem::resize_file(path, size);
   const auto bytes = placed.bytes();
-  std::fstream(path, std::ios::in | std::ios::out | std::ios::binary)
-      .seekp(static_cast<std::streamoff>(at))
+  std::fstream(path, std::ios::in | std::ios::out | std::ios::binary).seekp(static_cast<std::streamoff>(at))
       .write(reinterpret_cast<const char*>(bytes.data()),
              static_cast<std::streamsize>(std::min<uint64_t>(bytes.size(), size - at)));
   cmd_opts opts;
@@ -46,8 +46,6 @@ parsed with_record(const temp_dir& dir, uint64_t size, uint64_t at, const record
   opts.show_progress = progress;
   return parsed(opts, path);
 }
-
-// clang-format off
 
 TEST(ParseInput, HeaderLineSignatureAndForms) {
   const temp_dir dir;
@@ -80,7 +78,8 @@ TEST(LargeRoad, BeginsAboveSixteenMebibytes) {
   const parsed large = with_record(dir, limit + 1, 0, marker, true);
   EXPECT_TRUE(large.result && large.out.empty());
   std::string progress;
-  for (const char* percent : {"0", "16", "33", "50", "67", "84"}) progress += narrow_wipe + "percent: " + percent + "\r";
+  for (const char* percent : {"0", "16", "33", "50", "67", "84"})
+    progress += narrow_wipe + "percent: " + percent + "\r";
   EXPECT_EQ(large.err, progress + wide_wipe);
   EXPECT_EQ(with_record(dir, limit + 1, 128, marker).err, "");
 }

@@ -9,10 +9,13 @@
 #include "cache/index_dat.h"
 #include "cache/parse_input.h"
 #include "cache/record_signature.h"
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "tools/sample_records.h"
 
 namespace {
+
+// clang-format off
 
 using sample::byte_vector;
 using sample::record;
@@ -41,18 +44,13 @@ byte_vector with_record(const record& placed, size_t at, size_t size) {
   return bytes;
 }
 
-// clang-format off
-
 TEST(FindNextRecord, GridAndBounds) {
-  struct grid_case { size_t at, size; uint32_t expected; };
-  for (const auto& c : std::vector<grid_case>{{0, 1024, no_record}, {64, 1024, no_record}, {128, 1024, 128},
-           {512, 1024, 512}, {128, 132, no_record}, {128, 133, 128}, {129, 1024, no_record}}) {
-    for (const char* signature : {"URL ", "LEAK", "REDR"}) {
-      byte_vector bytes(c.size);
-      std::copy_n(signature, 4, bytes.begin() + static_cast<ptrdiff_t>(c.at));
-      EXPECT_EQ(find_next_record(bytes.data(), bytes.size()), c.expected) << c.at << ' ' << c.size;
-    }
-  }
+  check_cases("cache/grid", [](const strings& c) {
+    byte_vector bytes(number(c[2]));
+    std::copy_n(c[0].data(), 4, bytes.begin() + std::stol(c[1]));
+    const uint32_t found = find_next_record(bytes.data(), bytes.size());
+    return found == no_record ? "none" : joined(found);
+  });
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
   EXPECT_EQ(find_next_record(byte_vector(127).data(), 127), no_record);
 }
@@ -88,8 +86,7 @@ TEST(Scan, TheFirstRowUnderAnOffsetStays) {
   const cmd_opts opts;
   record_table table(opts);
   byte_vector poor = record::leak().filename("cut").bytes(), rich = record::leak().filename("whole").bytes();
-  EXPECT_TRUE(add_record(table, opts, poor.data(), 128, 4096));
-  EXPECT_TRUE(add_record(table, opts, rich.data(), 128, 4096));
+  EXPECT_TRUE(add_record(table, opts, poor.data(), 128, 4096) && add_record(table, opts, rich.data(), 128, 4096));
   EXPECT_TRUE(add_record(table, opts, rich.data(), 128, 128));
   ASSERT_EQ(table.rows.size(), 2u);
   EXPECT_EQ(table.rows.begin()->second.filename, "whole");
@@ -99,7 +96,8 @@ TEST(Scan, TheFirstRowUnderAnOffsetStays) {
 // Candidates without a NUL, each of which declares too much: copied one by one they took minutes.
 TEST(Scan, RefusedCandidatesCostNoCopies) {
   byte_vector noise(16 << 20, 'x');
-  for (size_t at = 128; at < noise.size(); at += 128) std::copy_n("REDR", 4, noise.begin() + static_cast<ptrdiff_t>(at));
+  for (size_t at = 128; at < noise.size(); at += 128)
+    std::copy_n("REDR", 4, noise.begin() + static_cast<ptrdiff_t>(at));
   EXPECT_EQ(offsets_in(noise), offsets{});
 }
 

@@ -1,37 +1,19 @@
 // Runs the cases of cases.txt, which says how they are written.
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <utime.h>
 
-#include <sstream>
+#include <map>
 
+#include "tests/support/case_file.h"
 #include "tests/support/run_udx.h"
 #include "tests/support/temp_dir.h"
-#include "tools/index_builder.h"
+#include "tools/sample_records.h"
 
 namespace {
 
-using std::string;
+// clang-format off
 
-const string help_text =
-    "udx reads the index.dat files of Internet Explorer\n"
-    "and writes one row for each URL, LEAK and REDR record\n"
-    "-----------------------------------------------------------------------------\n\n"
-    "udx - limited ver: 0.93; the udx developers\n\n"
-    "Usage:\n\n"
-    "  udx -f <file>\n"
-    "  udx -partition <drive letter>          = Partition scan\n"
-    "  udx -vmdk \"<file1> | <file2> | ...\"    = VMWare disk scan\n"
-    "    find <starting path> -name *.dat -type f | <path of udx> -pipe\n"
-    "  udx -enumdir <folder> -num_subdirs <#> [options]\n"
-    "\n Basic options\n"
-    "  -pipe                     = pipe files into app for processing\n"
-    "  -dateformat mm/dd/yyyy    = \"yyyy-mm-dd\" is the default\n"
-    "  -timeformat hh:mm:ss      = \"hh:mm:ss.xxx\" is the default\n"
-    "  -csv_separator \"|\"        = use a pipe char for separator\n"
-    "  -locale                   = use user acct locale info for date formatting\n"
-    "  -filter <*partial*|*.ext> = filters stdin data from -pipe option\n"
-    "\n";
+using std::string;
 
 // An index of one record whose URL is the file's name.
 string write_index(const temp_dir& dir, const string& name, time_t modified = 0) {
@@ -44,11 +26,12 @@ string write_index(const temp_dir& dir, const string& name, time_t modified = 0)
 }
 
 void fill(const temp_dir& dir) {
+  const utimbuf old = {1000000000, 1000000000};
+  utime(dir.write("index.dat", sample::small_index().bytes()).c_str(), &old);
+  chmod(dir.path("index.dat").c_str(), 0400);
   write_index(dir, "one.dat", 1000000000);
   write_index(dir, "two.dat", 1600000000);
-  for (const char* name : {"MSHist/index.dat", "a/index.dat", "a/b/deep.dat"}) {
-    write_index(dir, name);
-  }
+  for (const char* name : {"MSHist/index.dat", "a/index.dat", "a/b/deep.dat"}) write_index(dir, name);
   std::filesystem::resize_file(write_index(dir, "large"), 0x1000001);
   std::filesystem::create_directory_symlink(dir.path("a/b"), dir.path("a/link"));
   dir.write("noise", string(9000, '?'));
@@ -62,7 +45,7 @@ string variable(const temp_dir& dir, const string& name) {
   const size_t colon = std::min(name.find(':'), name.size());
   const string key = name.substr(0, colon), value = name.substr(std::min(colon + 1, name.size()));
   if (key == "x") return string(std::stoul(value), 'x');
-  if (key == "bad") return message_text("probs parsing file: " + value);
+  if (key == "bad") return wide_wipe + "probs parsing file: " + value;
   if (key == "header") {
     string line;
     for (const string& cell : cells(header_line)) line += (line.empty() ? "" : value) + cell;
@@ -74,7 +57,7 @@ string variable(const temp_dir& dir, const string& name) {
   }
   if (key == "dir") return dir.path();
   if (key == "udx") return UDX_PROGRAM;
-  return key == "help" ? help_text : wide_wipe;  // {wipe}, and {end}, the run's own
+  return key == "help" ? source_file("tests/cli/help.txt") : wide_wipe;  // {wipe}, and {end}, the run's own
 }
 
 string expanded(const temp_dir& dir, string text) {
@@ -85,23 +68,8 @@ string expanded(const temp_dir& dir, string text) {
   return text;
 }
 
-string unescaped(const string& text) {
-  string out;
-  for (size_t i = 0; i < text.size(); ++i) {
-    const char c = text[i] == '\\' ? text[++i] : '\1';
-    if (c == 'x') {
-      out += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
-      i += 2;
-    } else {
-      const size_t at = string("ntr0").find(c);
-      out += at == string::npos ? text[i] : "\n\t\r\0"[at];
-    }
-  }
-  return out;
-}
-
-std::vector<string> words(const string& line) {
-  std::vector<string> found;
+strings words(const string& line) {
+  strings found;
   std::istringstream in(line);
   for (string word; in >> std::ws, !in.eof(); found.push_back(word)) {
     const bool quoted = in.peek() == '\'';
@@ -113,7 +81,7 @@ std::vector<string> words(const string& line) {
 
 // Whether the text is the pattern's, in which * stands for anything.
 bool matches(const string& text, const string& pattern) {
-  const std::vector<string> parts = cells(pattern, '*');
+  const strings parts = cells(pattern, '*');
   size_t at = 0;
   for (size_t i = 0; i < parts.size(); ++i) {
     const bool last = i + 1 == parts.size() && i > 0;
@@ -127,48 +95,39 @@ bool matches(const string& text, const string& pattern) {
 void run_case(const std::vector<std::pair<string, string>>& lines) {
   const temp_dir dir;
   fill(dir);
-  run_setup setup;
-  std::vector<string> arguments;
-  std::map<string, string> expected = {{"out", ""}, {"err", "{end}"}, {"status", "0"}};
+  string setup, input;
+  strings arguments;
+  const string details = "udx - limited*\n\"command line: *\"\n\n";
+  std::map<string, string> expected = {{"all", details}, {"err", "{end}"}, {"status", "0"}};
   for (const auto& [key, raw] : lines) {
     const string text = expanded(dir, unescaped(raw));
     if (key == "run") arguments = words(text);
-    if (key == "in") setup.input = text;
-    if (key == "cd") setup.folder = text;
-    if (key == "sh") setup.shell = text;
-    if (key == "env")
-      setup.environment[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
-    if (key == "all") expected.erase("out");
-    expected[key] = text;
+    if (key == "in") input = text;
+    if (key == "cd") setup += "cd " + quoted(text) + " && ";
+    if (key == "sh") setup += text;
+    if (key == "env") setup += "export " + quoted(text) + "; ";
+    expected[key == "out" ? "all" : key] = key == "out" ? details + text : text;
   }
-  const run_result run = run_udx(arguments, setup);
+  const run_result run = run_udx(arguments, setup, input);
   EXPECT_EQ(std::to_string(run.status), expected["status"]);
   const auto expect = [&](const string& text, const string& pattern) {
     EXPECT_TRUE(matches(text, pattern)) << "found:\n" << text << "\nexpected:\n" << pattern;
   };
   expect(run.err, expanded(dir, expected["err"]));
-  if (expected.contains("out")) {
-    // Help needs no run details above it.
-    expect(run.out.empty() && run.status == 0 ? "" : run.results(), expected["out"]);
-  } else {
-    expect(run.out, expected["all"]);
-  }
-  if (expected.contains("gone")) {
-    EXPECT_FALSE(std::filesystem::exists(dir.path(expected["gone"])));
-  }
+  expect(run.out, expected["all"]);
+  EXPECT_FALSE(expected.contains("gone") && std::filesystem::exists(dir.path(expected["gone"])));
   if (const string file = expected["file"]; !file.empty()) {
     const size_t blank = std::min(file.find(' '), file.size());
-    expect(read_file(dir.path(file.substr(0, blank))),
-           file.substr(std::min(blank + 1, file.size())));
+    expect(read_file(dir.path(file.substr(0, blank))), file.substr(std::min(blank + 1, file.size())));
   }
+  // An input stays as it was, and the example as the sample maker writes it.
+  EXPECT_EQ(read_file(dir.path("index.dat")), source_file("examples/index.dat"));
 }
 
 TEST(CommandLine, Cases) {
-  std::ifstream in(UDX_SOURCE "/tests/cli/cases.txt");
   std::vector<std::pair<string, string>> lines;
   int cases = 0;
-  for (string line; in; line.clear()) {
-    std::getline(in, line);
+  for (const string& line : cells(source_file("tests/cli/cases.txt"), '\n')) {
     if (line.starts_with('#')) continue;
     if (!line.empty()) {
       const size_t blank = std::min(line.find(' '), line.size());
@@ -181,6 +140,20 @@ TEST(CommandLine, Cases) {
     }
   }
   EXPECT_GT(cases, 60);
+}
+
+// Real indexes, run where a folder of them is named when the build is configured.
+TEST(RealIndexes, EveryRecordOnTheGrid) {
+  const string corpus = std::getenv("UDX_CORPUS") ? std::getenv("UDX_CORPUS") : "";
+  for (const auto& [name, expected] : {std::pair{"/content.ie5/index.dat", "21 URL, 14 REDR"},
+                                       {"/history.ie5/index.dat", "17 URL, 0 REDR"}}) {
+    std::map<string, int> found;
+    for (const string& row : cells(run_udx({"-f", corpus + name}).out, '\n')) {
+      if (const strings row_cells = cells(row); row_cells.size() == 17) ++found[row_cells[8]];
+    }
+    const string seen = std::to_string(found["URL "]) + " URL, " + std::to_string(found["REDR"]);
+    EXPECT_EQ(seen + " REDR", expected) << name;
+  }
 }
 
 }  // namespace

@@ -6,12 +6,13 @@
 #include "front/arguments.h"
 #include "front/cmd_opts.h"
 #include "front/host_info.h"
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
-#include "tools/index_builder.h"
 
 namespace {
 
-using sample::filetime_of;
+// clang-format off
+
 using text = std::string;
 
 struct parsed {
@@ -29,78 +30,55 @@ struct parsed {
   }
 };
 
-// clang-format off
-
-TEST(Arguments, FindTakeAndJoin) {
-  argument_list args = {"udx", "-A", "1", "-b", "-A", "2", "", "-last"};
+TEST(Arguments, DropAndJoin) {
+  argument_list args = {"udx", "", "-last"};
   text value = "old";
-  EXPECT_TRUE(has_option("-a", args, 1) && !has_option("-a", args, 5) && !has_option("-", args, 0));
-  EXPECT_TRUE(get_option_value("-a", value, args, 2) && value == "2");
-  EXPECT_FALSE(get_option_value("-last", value, args, 0) || take_option("-last", value, args));
-  EXPECT_TRUE(take_option("-A", value, args) && value == "1");
-  EXPECT_TRUE(take_flag("-B", args, true) && take_flag("-B", args) && !take_flag("-B", args));
+  EXPECT_TRUE(has_option("-LAST", args, 1) && !has_option("udx", args, 1) && !has_option("-", args, 0));
   drop_argument(99, args);
   drop_argument(-1, args);
-  EXPECT_EQ(args, (argument_list{"udx", "-A", "2", "", "-last"}));
+  EXPECT_EQ(args, (argument_list{"udx", "", "-last"}));
   make_cmdline(value, {"u d x", "", "it's", "a b"}, '\'');
   EXPECT_EQ(value, "'u d x'  it's 'a b'");
   const char* const argv[] = {"udx", nullptr};
   EXPECT_EQ(make_argument_list(2, argv), (argument_list{"udx", ""}));
 }
 
-#define HOLDS(condition) [](const cmd_opts& o) { return condition; }
-
-TEST(Options, EachSetsItsField) {
-  struct field_case { argument_list args; bool (*holds)(const cmd_opts&); };
-  setenv("UDX_DIR", "/d", 1);
-  for (const auto& c : std::vector<field_case>{
-           {{"-pair_datetime"}, HOLDS(o.pair_datetime)}, {{"-gzip"}, HOLDS(o.gzip_out && o.gzip_mode)},
-           {{"-zlib"}, HOLDS(o.gzip_out && o.zlib_mode)}, {{"-threads", "0x10"}, HOLDS(o.threads == 16)},
-           {{"-zlibex", "9"}, HOLDS(o.gzip_out && o.zlibex_mode && o.zlibex_value == "9")},
-           {{"-signal", "S"}, HOLDS(o.signal_name == "S")}, {{"-hostname", "H"}, HOLDS(o.hostname_set && o.hostname == "H")},
-           {{"-username", "U"}, HOLDS(o.username_set && o.username == "U")}, {{"-split_pathfile"}, HOLDS(o.split_pathfile)},
-           {{"-cpuinst", "-3"}, HOLDS(o.cpuinst == -3)}, {{"-cpuinst", "none"}, HOLDS(o.cpuinst == 0)},
-           {{"-cpu", "2"}, HOLDS(o.cpu == 2)}, {{"-fragment_files", "5"}, HOLDS(o.fragment_files == 5 && o.separate_files)},
-           {{"-separate_files"}, HOLDS(o.separate_files)}, {{"-outdir", "%UDX_DIR%/o"}, HOLDS(o.out_dir_set && o.out_dir == "/d/o")},
-           {{"-enumdir", "%UDX_DIR%"}, HOLDS(o.enumdir && o.enumdir_path == "/d")}, {{"-profile"}, HOLDS(o.profile)},
-           {{"-num_subdirs", "-1"}, HOLDS(o.num_subdirs == 4294967295)}, {{"-num_subdirs", "many"}, HOLDS(o.num_subdirs == 0)},
-           {{"-pipe"}, HOLDS(o.pipe)}, {{"-base10"}, HOLDS(!o.base16)}, {{"-base10", "-base16"}, HOLDS(o.base16)},
-           {{"-quiet"}, HOLDS(!o.show_progress)}, {{"-verbose"}, HOLDS(o.verbose)}, {{"-v"}, HOLDS(o.verbose)},
-           {{"-dateformat", "YYYY/MM/DD"}, HOLDS(o.date_format == "yyyy/mm/dd")},
-           {{"-timeformat", "HH:MM:SS"}, HOLDS(o.time_format == "hh:mm:ss")},
-           {{"-alias", "A|b|%UDX_DIR%|d| a | z"}, HOLDS(o.aliases.size() == 2 && o.aliases.at("a") == "b" && o.aliases.at("/d") == "d")},
-           {{"-aliaspath", "one"}, HOLDS(o.alias_paths.at("*") == "one")}, {{"-aliaspath", "A/|\"b\"/"}, HOLDS(o.alias_paths.at("a") == "b")},
-           {{"-filter_skip", "a,b", "-filter_skip", "c"}, HOLDS(o.skip_filters.size() == 3 && o.filters.empty())}}) {
-    const parsed with(c.args);
-    EXPECT_TRUE(with.result && c.holds(with.opts) && with.left.empty()) << c.args[0];
-  }
-  const parsed none({"-unknown", "-csv_separator"});
-  EXPECT_TRUE(none.result && none.left.size() == 2u && none.opts.prog_name == "udx");
-  EXPECT_EQ(parsed({"-signal", "-csv", "x"}).opts.signal_name, "x");  // the table's order
-  const cmd_opts forms = std::move(parsed({"-csvgen", "-csvl2t", "-csv", "-xml"}).opts);
-  EXPECT_TRUE(forms.mode_csvgen && forms.mode_xml);
-  EXPECT_FALSE(forms.mode_csv || forms.mode_csvl2t || forms.mode_bodyfile || forms.mode_multiline);
-  argument_list empty;
-  EXPECT_FALSE(cmd_opts().parse_options(empty));
+// What the options changed, as `name=value` and blanks, behind the messages and "failed".
+text changes(const argument_list& args) {
+  static const parsed plain({});
+  const parsed with(args);
+  const cmd_opts &o = with.opts, &p = plain.opts;
+  text seen = with.err + (with.result ? "" : "failed ") + (with.left.empty() ? "" : "left=" + with.left[0] + " ");
+  const auto show = [&](const char* name, const auto& value, const auto& before) {
+    if (value != before) seen += name + joined("", value).replace(0, 1, "=") + " ";
+  };
+  const auto show_map = [&](const char* name, const std::map<text, text>& map) {
+    for (const auto& [key, value] : map) seen += text(name) + "[" + key + "]=" + value + " ";
+  };
+#define SHOW(name) show(#name, o.name, p.name)
+  SHOW(out_path), SHOW(out_dir), SHOW(username), SHOW(hostname), SHOW(date_format), SHOW(time_format);
+  SHOW(csv_separator), SHOW(delim_char), SHOW(delim_subst), SHOW(field_trim), SHOW(field_pad), SHOW(base16);
+  SHOW(username_set), SHOW(hostname_set), SHOW(split_pathfile), SHOW(gzip_out), SHOW(gzip_mode), SHOW(zlib_mode);
+  SHOW(zlibex_mode), SHOW(zlibex_value), SHOW(threads), SHOW(out_dir_set), SHOW(out_path_set), SHOW(cpuinst), SHOW(cpu);
+  SHOW(separate_files), SHOW(fragment_files), SHOW(mode_xml), SHOW(mode_csv), SHOW(mode_csvl2t), SHOW(mode_csvgen);
+  SHOW(mode_bodyfile), SHOW(mode_multiline), SHOW(verbose), SHOW(show_progress), SHOW(pair_datetime);
+  SHOW(header_pending), SHOW(diag_on), SHOW(diag_level), SHOW(profile), SHOW(signal_name), SHOW(pipe);
+  SHOW(filters.size()), SHOW(skip_filters.size()), SHOW(enumdir), SHOW(enumdir_path), SHOW(num_subdirs);
+  SHOW(start_time_set), SHOW(stop_time_set), SHOW(start_filetime), SHOW(stop_filetime), SHOW(start_unix);
+  SHOW(stop_unix), show_map("aliases", o.aliases), show_map("alias_paths", o.alias_paths);
+  return seen.substr(0, seen.find_last_not_of(' ') + 1);
 }
 
-TEST(Options, OutputFormsAndSeparators) {
-  struct form_case { argument_list args; text separator; char delim, subst; bool header, trim, pad; };
-  for (const auto& c : std::vector<form_case>{
-           {{}, ",", ';', ' ', true, false, true}, {{"-csv"}, ",", ',', ' ', true, true, true},
-           {{"-csv", "-pair_datetime"}, ",", ',', ' ', true, false, true}, {{"-csvgen"}, ",", ',', ' ', true, true, true},
-           {{"-csvl2t"}, ",", ',', ' ', true, false, true}, {{"-bodyfile", "-csv"}, "|", '|', ';', true, true, true},
-           {{"-xml"}, "", 0, 0, false, false, true}, {{"-xml", "-multiline"}, "", 0, 0, true, false, true},
-           {{"-xml", "-bodyfile"}, "", 0, 0, false, false, true}, {{"-csv_separator", "TAB"}, "\t", 0, 0, true, false, true},
-           {{"-csv_separator", "\\T"}, "\t", 0, 0, true, false, true}, {{"-csv_separator", "--"}, "--", 0, 0, true, false, true},
-           {{"-csv_separator", " | ", "-no_whitespace"}, "|", '|', ';', true, true, false},
-           {{"-csv_separator", " ; ", "-enable_quoted_csv_fields"}, ";", 0, 0, true, false, false},
-           {{"-csv_separator", " \t", "-enable_quoted_csv_fields"}, " \t", 0, 0, true, false, false}}) {
-    const cmd_opts o = std::move(parsed(c.args).opts);
-    EXPECT_EQ(o.csv_separator, c.separator);
-    EXPECT_EQ(text({o.delim_char, o.delim_subst}), text({c.delim, c.subst})) << c.separator;
-    EXPECT_EQ(o.header_pending * 4 + o.field_trim * 2 + o.field_pad, c.header * 4 + c.trim * 2 + c.pad) << c.separator;
-  }
+TEST(Options, WhatEachChanges) {
+  setenv("UDX_DIR", "/d", 1);
+  check_cases("front/option", changes);
+  const parsed none({"-unknown", "-csv_separator"});
+  const cmd_opts& o = none.opts;
+  EXPECT_TRUE(none.result && none.left.size() == 2u && o.prog_name == "udx");
+  EXPECT_EQ(joined(o.csv_separator, o.delim_char, o.delim_subst, o.header_pending, o.field_trim, o.field_pad, o.base16,
+                   o.show_progress, o.verbose, o.cpuinst), ",|;| |true|false|true|true|true|true|-1");
+  argument_list empty;
+  EXPECT_FALSE(cmd_opts().parse_options(empty));
   cmd_opts quoted;
   quoted.quoted_csv_fields = true;
   quoted.set_separator("tab", true);
@@ -108,51 +86,6 @@ TEST(Options, OutputFormsAndSeparators) {
   quoted.quoted_csv_fields = false;
   quoted.set_separator(",", true);
   EXPECT_EQ(quoted.delim_subst, ';');
-}
-
-TEST(Options, TimeSpan) {
-  const text bad_start = "invalid start time, ignoring\n", bad_stop = "invalid stop time, ignoring\n";
-  constexpr uint64_t open = ~uint64_t{0};
-  const uint64_t stop = filetime_of(2020, 1, 31) + (2020ULL * 60 + 5) * 600000000;  // 2020 hours on
-  struct span_case { argument_list args; bool result; text err; uint64_t start, stop; };  // 0 for none
-  for (const auto& c : std::vector<span_case>{
-           {{"-cmd_start_time", "2020/01/31"}, true, "", filetime_of(2020, 1, 31), open},
-           {{"-cmd_start_time", "2020-1-5 1:02:03"}, true, "", filetime_of(2020, 1, 5, 1, 2, 3), open},
-           {{"-cmd_start_time", "2020-13-5"}, true, bad_start, 0, 0}, {{"-cmd_start_time", "1850-1-5"}, true, bad_start, 0, 0},
-           {{"-cmd_start_time", "2020-1-5 noon"}, true, bad_start, 0, 0}, {{"-cmd_start_time", "yesterday"}, false, "", 0, 0},
-           {{"-cmd_start_time", ""}, false, "", 0, 0}, {{"-cmd_start_time", " 2020-1-5"}, false, "", 0, 0},
-           {{"-cmd_stop_time", "2020-01-31"}, true, bad_stop, 0, 0}, {{"-cmd_stop_time", "2020-01-31 5:00"}, true, bad_stop, 0, 0},
-           {{"-cmd_stop_time", "2020-01-31:5"}, true, "", 0, stop},
-           {{"-cmd_start_time", "2021-1-1", "-cmd_stop_time", "2020-01-31:5"}, true, bad_stop, filetime_of(2021, 1, 1), 0},
-           {{"-cmd_start_time", "2019-1-1", "-cmd_stop_time", "2020"}, false, "", filetime_of(2019, 1, 1), 0}}) {
-    const parsed with(c.args);
-    const cmd_opts& o = with.opts;
-    EXPECT_EQ(with.result, c.result) << c.args.back();
-    EXPECT_EQ(with.err, c.err) << c.args.back();
-    EXPECT_EQ(o.start_filetime, c.start) << c.args.back();
-    EXPECT_EQ(o.stop_filetime, c.stop) << c.args.back();
-    EXPECT_EQ(o.start_time_set * 2 + o.stop_time_set, (c.start != 0) * 2 + (c.stop != 0)) << c.args.back();
-    EXPECT_EQ(o.stop_unix, c.stop == open ? 4294967295 : c.stop == 0 ? 0 : 1587701100) << c.args.back();
-  }
-}
-
-TEST(Options, FailuresAndTheirTexts) {
-  const text imbalanced = "imbalanced alias to true pathfiles, aborting\n", nowhere = "prob opening file /nowhere/x for output, aborting\n";
-  const auto bad_mask = [](const text& mask) { return "invalid " + mask + ", using default format\n"; };
-  struct failure_case { argument_list args; bool result; text err; };
-  for (const auto& c : std::vector<failure_case>{
-           {{"-sqlite", "db"}, false, "This option is not offered in this build\n"},
-           {{"-sqlite_log", "x"}, false, "This option is not offered in this build\n"}, {{"-sqlite"}, true, ""},
-           {{"-alias", "one"}, false, imbalanced}, {{"-alias", "a|b|c"}, false, imbalanced}, {{"-aliaspath", "a|"}, false, imbalanced},
-           {{"-dateformat", "yy-mm-d"}, true, bad_mask("yy-mm-d")}, {{"-dateformat", "yyyy-m-dd"}, true, bad_mask("yyyy-m-dd")},
-           {{"-dateformat", "yyyy-m-d"}, true, ""}, {{"-timeformat", "hh:mm"}, true, bad_mask("hh:mm")},
-           {{"-timeformat", "hh-mm-ss.xxx"}, true, bad_mask("hh-mm-ss.xxx")}, {{"-timeformat", "hh:mm:ss."}, true, bad_mask("hh:mm:ss.")},
-           {{"-timeformat", "hh:mm:ss.xxxxxxxxxx"}, true, bad_mask("hh:mm:ss.xxxxxxxxxx")}, {{"-timeformat", "hh:mm:ss.xxxxxxxxx"}, true, ""},
-           {{"-out", "/nowhere/x"}, false, nowhere}, {{"-out", "\\nowhere\\x", "-append"}, false, nowhere}, {{"-diags", "/nowhere/x"}, true, ""}}) {
-    const parsed with(c.args);
-    EXPECT_EQ(with.result, c.result) << c.args[0];
-    EXPECT_EQ(with.err, c.err) << c.args[0];
-  }
   const temp_dir dir;
   {
     parsed with({"-l3", "-diags", dir.path("d"), "-l2"});
@@ -160,7 +93,8 @@ TEST(Options, FailuresAndTheirTexts) {
     with.opts.diag_printf("%s", text(300, 'x').c_str());  // cut at what its format leaves
     with.opts.diag_printf("%d-%d", 1, 2);
   }
-  EXPECT_EQ(read_file(dir.path("d")), "->/usr/bin/udx.bin -l3 -diags " + dir.path("d") + " -l2\n->" + text(257, 'x') + "\n->1-2\n");
+  EXPECT_EQ(read_file(dir.path("d")), "->/usr/bin/udx.bin -l3 -diags " + dir.path("d") + " -l2\n->" +
+                                    text(257, 'x') + "\n->1-2\n");
 }
 
 TEST(Options, DiskLists) {

@@ -8,7 +8,7 @@
 #include "media/disk_chain_check.h"
 #include "media/partition_map.h"
 #include "media/raw_disk_io.h"
-#include "tests/support/run_udx.h"
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/vmdk_builder.h"
 #include "text/zk_wide.h"
@@ -184,30 +184,10 @@ TEST_F(disk_test, PlainImages) {
   std::ostringstream rows;
   testing::internal::CaptureStderr();
   EXPECT_TRUE(parse_input(rows, opts));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(), narrow_wipe + "percent done: 0\r" + message_text("success"));
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), narrow_wipe + "percent done: 0\r" + wide_wipe + "success");
   EXPECT_EQ(rows.str(), header_line + ",,,,,,,,REDR,r,,,0,,0,," + opts.partition_path + ":\\\n");
   opts.partition_path = dir.path("none");
   EXPECT_FALSE(parse_input(rows, opts));
-}
-
-// An index on the disk, whose records lie in grains of different files, through the program.
-TEST_F(disk_test, RowsOfADisk) {
-  const bytes index = sample::index_file().add(sample::record::url("old")).add(sample::record::redr("kept")).bytes();
-  const bytes newer = sample::index_file().add(sample::record::url("new")).add(sample::record::redr("kept")).bytes();
-  const auto third = [](const bytes& all) { bytes made(all.begin() + 8192, all.end()); made.resize(grain); return made; };
-  write("base", "b", "ffffffff", {{200, third(index)}}), write("mid", "m", "b", {}), write("leaf", "l", "m", {{200, third(newer)}}, "parentFileNameHint=\"mid.vmdk\"\n");
-  const auto row = [](const string& type, const string& url, const string& source) {
-    return ",,,,,,,," + type + "," + url + ",,,0,,0," + (type == "URL " ? url : "") + "," + source + "\n";
-  };
-  struct rows_case { std::vector<string> files; string url; };
-  for (const auto& c : std::vector<rows_case>{{{base}, "old"}, {{leaf, base, mid}, "new"}, {{mid, leaf, base}, "new"}}) {
-    string list, source;
-    for (const string& file : c.files) list += (list.empty() ? "" : " | ") + file, source += (source.empty() ? "" : "; ") + file;
-    const run_result run = run_udx({"-vmdk", list, "-quiet"});
-    EXPECT_EQ(run.results(), header_line + row("URL ", c.url, source) + row("REDR", "kept", source));
-    EXPECT_TRUE(run.status == 0 && run.err.ends_with(message_text("success"))) << run.err;
-  }
-  EXPECT_EQ(run_udx({"-vmdk", leaf, "-vmdk", mid, "-vmdk", base, "-f", "x"}).rows().size(), 2u);
 }
 
 TEST(PartitionMap, VolumesOfABootRecord) {
@@ -244,32 +224,6 @@ TEST(PartitionMap, VolumesOfABootRecord) {
     for (const auto& v : volumes) text << v.m_start_sector << '+' << v.m_num_sectors << ':' << v.m_type << '/' << v.m_sector_size << ' ';
     EXPECT_EQ(text.str(), c.volumes);
   }
-}
-
-// Disks as a virtualisation tool writes them, run where it is installed.
-TEST_F(disk_test, RealDisks) {
-  if (std::system("command -v qemu-img >/dev/null && command -v qemu-io >/dev/null") != 0) GTEST_SKIP() << "no qemu-img";
-  const auto index = [&](const string& name, const string& url) {
-    bytes made = sample::index_file().add(sample::record::redr(url)).bytes();
-    made.resize(65536);
-    dir.write(name, made);
-  };
-  index("old", "old"), index("new", "new"), index("more", "more");
-  const string script = "cd " + shell_quoted(dir.path()) + " && { rm -f *.vmdk; qemu-img create -f vmdk base.vmdk 64M &&"
-      " qemu-io -f vmdk -c 'write -s old 1048576 65536' -c 'write -s more 33619968 65536' base.vmdk &&"
-      " qemu-img create -f vmdk -b base.vmdk -F vmdk mid.vmdk && qemu-io -f vmdk -c 'write -s more 5242880 65536' mid.vmdk &&"
-      " qemu-img create -f vmdk -b mid.vmdk -F vmdk leaf.vmdk && qemu-io -f vmdk -c 'write -s new 1048576 65536' leaf.vmdk; } >/dev/null 2>&1";
-  ASSERT_EQ(std::system(script.c_str()), 0);
-  for (const string& list : {base + "|" + mid + "|" + leaf, leaf + "," + base + ";" + mid}) {
-    string urls;
-    for (const string& row : run_udx({"-vmdk", list}).rows()) urls += cells(row)[9] + " ";
-    EXPECT_EQ(urls, "new more more ");
-  }
-  const run_result alone = run_udx({"-vmdk", leaf});  // the suggested list works when pasted
-  const size_t begin = alone.err.find("suggested array: -vmdk \"") + 24;
-  const string suggested = alone.err.substr(begin, alone.err.find("\"\n", begin) - begin);
-  EXPECT_EQ(suggested, leaf + " | " + mid + " | " + base);
-  EXPECT_EQ(run_udx({"-vmdk", suggested}).rows().size(), 3u);
 }
 
 }  // namespace

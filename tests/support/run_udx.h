@@ -1,40 +1,33 @@
 // Runs the real program as a user would.
 #pragma once
 
-#include <map>
+#include <sys/wait.h>
+
+#include <cstdlib>
 #include <string>
-#include <vector>
+
+#include "tests/support/case_file.h"
+#include "tests/support/temp_dir.h"
 
 struct run_result {
-  std::string out;
-  std::string err;
-  int status = -1;  // as a shell sees it; 128 and more for a signal
-
-  // Standard output without the run's own three lines and the empty line behind them.
-  std::string results() const;
-  // Its rows: what has 17 cells, less the header line.
-  std::vector<std::string> rows() const;
+  std::string out, err;
+  int status;  // as a shell sees it; 128 and more for a signal
 };
 
-struct run_setup {
-  std::string input = "";                               // on standard input
-  std::map<std::string, std::string> environment = {};  // added to the test's own
-  std::string folder = "";                              // to run in
-  std::string shell = "";                               // commands ahead of the program's start
-};
+inline std::string quoted(const std::string& text) {
+  std::string made = "'";
+  for (const char c : text) made += c == '\'' ? "'\\''" : std::string(1, c);
+  return made + "'";
+}
 
-run_result run_udx(const std::vector<std::string>& arguments, const run_setup& setup = {});
-
-// What standard error holds where a line is wiped, and where a message stands.
-extern const std::string wide_wipe;
-extern const std::string narrow_wipe;
-std::string message_text(const std::string& text);
-
-// The header line of every run with the default separator.
-extern const std::string header_line;
-
-// The cells of a row.
-std::vector<std::string> cells(const std::string& row, char separator = ',');
-
-// Puts a name in single quotes for the shell.
-std::string shell_quoted(const std::string& text);
+// Runs the program behind a shell's `setup`.
+inline run_result run_udx(const strings& arguments, const std::string& setup = "",
+                          const std::string& input = "") {
+  const temp_dir streams;
+  std::string command = setup + " exec " + quoted(UDX_PROGRAM);
+  for (const std::string& argument : arguments) command += " " + quoted(argument);
+  command += " <" + streams.write("in", input) + " >" + streams.path("out");
+  const int ended = std::system((command + " 2>" + streams.path("err")).c_str());
+  return {read_file(streams.path("out")), read_file(streams.path("err")),
+          WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
+}

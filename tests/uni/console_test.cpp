@@ -1,12 +1,13 @@
-// Messages and progress, byte for byte; lines of standard input.
+// Messages and progress, byte for byte.
 #include "uni/console.h"
 
 #include <gtest/gtest.h>
 
-#include "tests/support/run_udx.h"
-#include "uni/stdin_stream.h"
+#include "tests/support/case_file.h"
 
 namespace {
+
+// clang-format off
 
 template <class Action>
 std::string on_stderr(Action action) {
@@ -22,8 +23,6 @@ int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
   va_end(arguments);
   return result;
 }
-
-// clang-format off
 
 TEST(Message, DropsItsLastCharacterAndRefusesLongTexts) {
   struct message_case { std::string text, written; int result; };
@@ -46,29 +45,6 @@ TEST(Progress, OneLineCutAtSixty) {
   EXPECT_EQ(print(false, 4, false, "abcdef") + print(false, 9, true, "title"), 9);
   EXPECT_FALSE(uni::set_terminal_title(nullptr));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), narrow_wipe + "abcd\r\x1B]0;title\x07");
-}
-
-TEST(StdinStream, LongLinesComeInPieces) {
-  std::FILE* const lines = std::tmpfile();
-  ASSERT_TRUE(lines);
-  const std::string text = std::string(4095, 'x') + "\nx\xC3\xA4\xFFz\r\n" + std::string("a\0b\n", 4);
-  std::fwrite(text.data(), 1, text.size(), lines);
-  std::rewind(lines);
-  std::FILE* const old = stdin;
-  stdin = lines;
-  {
-    uni::stdin_stream in;
-    std::string line;
-    std::wstring wide;
-    EXPECT_TRUE(in.read_line(line, true) && line.size() == 4095u);
-    EXPECT_TRUE(in.read_line(line, true) && line.empty());
-    EXPECT_TRUE(in.read_line_wide(wide, true) && wide == L"x\xE4");
-    EXPECT_TRUE(in.read_line(line, false) && line == "a");
-    EXPECT_FALSE(in.read_line(line, false));
-    EXPECT_EQ(line, "");
-  }
-  stdin = old;
-  std::fclose(lines);
 }
 
 }  // namespace

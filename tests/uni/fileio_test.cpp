@@ -8,10 +8,13 @@
 
 #include <numeric>
 
+#include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "uni/fileio_output.h"
 
 namespace {
+
+// clang-format off
 
 using bytes = std::vector<uint8_t>;
 
@@ -20,8 +23,6 @@ bytes counting(size_t size) {
   std::iota(made.begin(), made.end(), uint8_t{0});
   return made;
 }
-
-// clang-format off
 
 TEST(FileOpen, RefusesWhatIsNoFileAndLeaksNothing) {
   const temp_dir dir;
@@ -60,16 +61,13 @@ TEST(FileOpen, ModesAndSizes) {
   EXPECT_FALSE(uni::fileio(dir.path("absent"), true).is_open());  // no truncation, no creation
   EXPECT_FALSE(uni::path_exists_stat(dir.path("absent")));
   const std::string kept = dir.write("kept", "abc");
-  EXPECT_EQ(uni::fileio(kept, true).size(), 3);
-  EXPECT_EQ(uni::fileio(kept, true, false, true).size(), 0);
-  EXPECT_EQ(uni::fileio(L"/proc/cpuinfo").size(), 262144);
-  EXPECT_EQ(uni::fileio(L"/dev/null").size(), 0);
-
+  const auto kept_size = uni::fileio(kept, true).size(), emptied_size = uni::fileio(kept, true, false, true).size();
+  EXPECT_EQ(joined(kept_size, emptied_size, uni::fileio(L"/proc/cpuinfo").size(), uni::fileio(L"/dev/null").size()),
+            "3|0|262144|0");
   bytes block;
   std::filesystem::resize_file(kept, 1ULL << 32);
   EXPECT_FALSE(uni::load_file(block, kept, 10));  // 0 in the low 32 bits of its size
-  EXPECT_FALSE(uni::load_file(block, dir.write("g", "abc"), 0));
-  EXPECT_TRUE(uni::load_file(block, dir.path("g"), 2));
+  EXPECT_FALSE(uni::load_file(block, dir.write("g", "abc"), 0) || !uni::load_file(block, dir.path("g"), 2));
   EXPECT_EQ(block, (bytes{'a', 'b'}));
 }
 
@@ -85,8 +83,8 @@ TEST(FileRead, BoundsAreTheSizeAtOpen) {
              {4, 11, false, 4}, {0, 3, true, 0}, {99, 0, true, 10}, {4, -1, false, 4}}) {
       bytes buffer(100, 0xFF);
       uint32_t count = c.count;
-      EXPECT_EQ(file->read_at(buffer.data(), count, c.offset), c.result) << c.offset;
-      EXPECT_EQ(count, c.got) << c.offset;
+      const bool result = file->read_at(buffer.data(), count, c.offset);
+      EXPECT_EQ(joined(result, count), joined(c.result, c.got)) << c.offset;
       EXPECT_EQ(buffer[0], c.result && c.got != 0 ? c.offset : 0xFF);
       EXPECT_EQ(buffer[c.result ? c.got : 0], 0xFF);
     }
@@ -94,8 +92,7 @@ TEST(FileRead, BoundsAreTheSizeAtOpen) {
     EXPECT_FALSE(file->read_at_wide(nullptr, wide, 0) || file->read_at_wide(nullptr, past, 10));
     EXPECT_EQ(wide - past, 1ULL << 32);
     bytes block = {7};
-    EXPECT_TRUE(file->read_block(block, 0, 5) && block == bytes{7});
-    EXPECT_TRUE(file->read_block(block, 100, 8));
+    EXPECT_TRUE(file->read_block(block, 0, 5) && block == bytes{7} && file->read_block(block, 100, 8));
     EXPECT_EQ(block, (bytes{8, 9}));
     EXPECT_FALSE(file->read_block(block, 1, 10) || file->read_block(block, -1, 0));
   }
@@ -130,8 +127,7 @@ TEST(FileWrite, AtTheEndAndAtAnOffset) {
     text << "!";
     EXPECT_TRUE(file->append("hello", 5) && file->write_at("J", 1, 0));
     EXPECT_TRUE(file->write_at("ows", 3, 4));  // past the end by two
-    EXPECT_TRUE(file->append_text(none) && file->append_text(text));
-    EXPECT_FALSE(file->append(nullptr, 1));
+    EXPECT_TRUE(file->append_text(none) && file->append_text(text) && !file->append(nullptr, 1));
     bytes all;
     ASSERT_TRUE(file->read_block(all, 99, 0));
     EXPECT_EQ(std::string(all.begin(), all.end()), "Jellows!");
@@ -151,10 +147,10 @@ TEST(OutputStream, BlocksReachTheFileWhenFullAndAtClose) {
   std::ostream& out = *file.attach_output();
   out << std::string(262143, 'a') << std::flush;
   EXPECT_EQ(read_file(path).size(), 0u);
-  out << 'b';
-  EXPECT_EQ(read_file(path).size(), 262144u);
-  out << "tail" << std::endl;
-  EXPECT_EQ(read_file(path).size(), 262144u);
+  for (const char* text : {"b", "tail\n"}) {
+    out << text << std::flush;
+    EXPECT_EQ(read_file(path).size(), 262144u) << text;
+  }
   file.close();
   EXPECT_EQ(read_file(path), std::string(262143, 'a') + "btail\n");
   EXPECT_EQ(file.attach_output(), nullptr);

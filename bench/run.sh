@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
 # run.sh [RUNS]: builds the benchmarks, makes their inputs below ${UDX_BENCH_DIR:-/tmp/udx-bench}
-# (about 2 GiB, kept for the next time), and times udx beside a yardstick for each scenario.
+# (about 3 GiB, kept for the next time), and times udx beside a yardstick for each scenario.
 set -eu
 runs=${1:-5}
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
-need "${compiler[@]}" /usr/include/benchmark/benchmark.h=libbenchmark-dev find=findutils
+need "${compiler[@]}" /usr/include/benchmark/benchmark.h=libbenchmark-dev find=findutils \
+  qemu-img=qemu-utils
 echo "building the benchmarks"
 quietly cmake --preset bench
 quietly cmake --build --preset bench -j2
@@ -25,6 +26,12 @@ fi
 if [ ! -d "$dir/others" ]; then
   mkdir "$dir/others"
   (cd "$dir/others" && seq 100000 | sed 's/^/d/' | xargs mkdir && seq 100000 | xargs touch)
+fi
+
+if [ ! -f "$dir/full.vmdk" ]; then
+  # Without holes: what is zero in the raw image is written as well.
+  qemu-img convert -f raw -O vmdk -S 0 "$dir/few.dat" "$dir/full.vmdk"
+  quietly qemu-img create -f vmdk "$dir/empty.vmdk" 500G
 fi
 
 # scenario NAME 'UDX COMMAND' 'YARDSTICK'
@@ -49,3 +56,6 @@ awk -v rows="$rows" -v udx="$wall" -v other="$other_wall" 'BEGIN {
 scenario '200,000 others: find -name' \
   "$udx -quiet -enumdir $dir/others -num_subdirs 9 -filter index.dat >/dev/null" \
   "find $dir/others -name index.dat >/dev/null"
+scenario '1 GiB VMDK: the same as a file' "$udx -quiet -vmdk $dir/full.vmdk >/dev/null 2>&1" \
+  "$udx -quiet -f $dir/few.dat >/dev/null"
+scenario '500 GiB VMDK, empty: nothing' "$udx -vmdk $dir/empty.vmdk >/dev/null 2>&1" true

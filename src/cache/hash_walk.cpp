@@ -19,9 +19,8 @@ hash_range range_of(const Record& record, uint32_t block_index) {
   return range;
 }
 
-void note(std::map<uint64_t, hash_range>& ranges, hash_range range, uint32_t block_index) {
-  const uint64_t offset = range.offset;
-  ranges.try_emplace(offset, std::move(range)).first->second.blocks.push_back(block_index);
+void note(std::map<uint64_t, hash_range>& ranges, const hash_range& range, uint32_t block_index) {
+  ranges.try_emplace(range.offset, range).first->second.blocks.push_back(block_index);
 }
 
 void follow_chain(cache_container& container, uint8_t* bytes, uint32_t size) {
@@ -106,11 +105,11 @@ void index_hash_block(const hash_block& block, std::map<uint64_t, hash_range>& r
   for (size_t i = 0; i < block.url_records.size(); ++i) {
     hash_range range = range_of(block.url_records[i], block_index);
     range.url_index = static_cast<int32_t>(i);
-    note(ranges, std::move(range), block_index);
+    note(ranges, range, block_index);
   }
   for (size_t i = 0; i < block.redr_records.size(); ++i) {
     hash_range range = range_of(block.redr_records[i], block_index);
     range.redr_index = static_cast<int32_t>(i);
-    note(ranges, std::move(range), block_index);
+    note(ranges, range, block_index);
   }
 }

@@ -51,7 +51,7 @@ struct partition_entry {
   }
 };
 
-partition_entry entry_of(const uint8_t* record, uint32_t index) {
+partition_entry entry_of(const uint8_t* record, size_t index) {
   const uint8_t* const entry = record + entries + index * entry_size;
   return {entry[entry_type], zk::load_le32(entry + entry_first_sector),
           zk::load_le32(entry + entry_sectors)};

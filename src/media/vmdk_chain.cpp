@@ -58,17 +58,16 @@ const VMDK_EXTENT* VMDK_CHAIN::find_owner(uint64_t offset) const {
   return extent;
 }
 
-bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t& count) const {
+bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t count) const {
   if (!m_valid || !out || count == 0) return false;
-  const uint32_t wanted = count;
   uint32_t total = 0;
-  while (total < wanted) {
+  while (total < count) {
     const VMDK_EXTENT* const owner = find_owner(offset);
     const uint32_t room = (owner ? owner : m_base)->bytes_to_grain_end(offset);
-    uint32_t piece = std::min(wanted - total, room);
+    uint32_t piece = std::min(count - total, room);
     if (piece == 0) {
       // A grain whose size is nothing in 32 bits: the rest is zeros.
-      std::memset(out + total, 0, wanted - total);
+      std::memset(out + total, 0, count - total);
       break;
     }
     uint32_t delivered = piece;
@@ -79,7 +78,6 @@ bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t& count) cons
     total += delivered;
     offset += delivered;
   }
-  count = wanted;
   return true;
 }
 

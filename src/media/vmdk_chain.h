@@ -27,9 +27,9 @@ class VMDK_CHAIN {
   bool link();
 
   // Reads `count` bytes at a place on the disk, each grain from the newest extent that holds it.
-  // What no extent holds, can't be read, or lies past the disk's end becomes zeros, and the count
-  // comes back full. False if the chain isn't joined properly, or nothing is asked for.
-  bool read_chain(uint8_t* out, uint64_t offset, uint32_t& count) const;
+  // What no extent holds, can't be read, or lies past the disk's end becomes zeros, and all of
+  // them are filled. False if the chain isn't joined properly, or nothing is asked for.
+  bool read_chain(uint8_t* out, uint64_t offset, uint32_t count) const;
 
   // The newest extent that holds the place; null if none does.
   const VMDK_EXTENT* find_owner(uint64_t offset) const;

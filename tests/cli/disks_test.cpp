@@ -30,6 +30,7 @@ TEST(Disks, RowsOfTheNewestInAnyOrder) {
     byte_vector grain(index.begin() + 8192, index.end());
     grain.resize(vmdk_builder::grain_bytes);
     vmdk_builder made{vmdk_builder::keys(cid, parent)};
+    made.tables = 8;  // enough for holes to move the places of progress lines
     if (!url.empty()) made.grains[200] = grain;
     return dir.write(name, made.bytes());
   };
@@ -42,7 +43,7 @@ TEST(Disks, RowsOfTheNewestInAnyOrder) {
     EXPECT_EQ(urls(run), c.urls);
     EXPECT_TRUE(run.out.ends_with(",kept,,,0,,0,," + source + "\n")) << run.out;
     string progress;
-    for (const char* percent : {"0"}) progress += narrow_wipe + "percent done: " + percent + "\r";
+    for (const char* percent : {"0", "49", "98"}) progress += narrow_wipe + "percent done: " + percent + "\r";
     EXPECT_EQ(run.status, 0);
     EXPECT_EQ(run.err, progress + wide_wipe + "success");
   }

@@ -1,5 +1,6 @@
 #include "cache/input_roads.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "media/file_blocks.h"
@@ -12,7 +13,7 @@ namespace {
 constexpr uint32_t file_block_size = 32768;
 constexpr uint32_t block_overlap = 4096;
 constexpr uint32_t raw_read_size = 65536;
-// No disk is that large; where a header says so, its empty end isn't walked.
+// Where a header says that a disk is larger, no more of it is searched: it would take for ever.
 constexpr int64_t largest_disk = 1LL << 46;
 constexpr uint64_t progress_every = 99;  // bytes of position; so every 99th block
 
@@ -31,12 +32,12 @@ bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& 
   std::vector<uint8_t> buffer(raw_read_size);
   const int64_t total = disk.size();
   uint32_t overlap = block_overlap;
-  for (int64_t position = 0; position < total; position += raw_read_size) {
+  const int64_t end = std::min(total, largest_disk);
+  for (int64_t position = 0; position < end; position += raw_read_size) {
     if (position % static_cast<int64_t>(progress_every) == 0) show_percent_done(position, total);
     uint32_t count = raw_read_size;
     if (disk.is_hole(position, count)) {
       // Zeros hold no record, so they are neither read nor searched.
-      if (position > largest_disk) break;
       position -= overlap;
     } else if (disk.read(buffer.data(), count, position)) {
       if (count < overlap) overlap = 0;

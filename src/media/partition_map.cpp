@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <iterator>
+#include <optional>
 
 #include "media/zk_disk_structs.h"
 #include "text/le_bytes.h"
@@ -73,15 +74,15 @@ struct mapping {
   }
 
   // Adds the entries of a record, `base` being added to each first sector. The result is the first
-  // sector of the extended entry that ended it, as it stands there, or 0.
-  uint32_t add_table(const uint8_t* record, uint64_t base) {
+  // sector of the extended entry that ended it, as it stands there, if there was one.
+  std::optional<uint32_t> add_table(const uint8_t* record, uint64_t base) {
     for (uint32_t i = 0; i < entry_count; ++i) {
       const partition_entry entry = entry_of(record, i);
       if (!entry.usable()) break;
       volumes.push_back({base + entry.first_sector, entry.sectors, entry.type, sector_size, {}, 0});
       if (is_extended(entry.type)) return entry.first_sector;
     }
-    return 0;
+    return std::nullopt;
   }
 
   // Follows the extended partition at `first`, whose later tables count from it.
@@ -89,23 +90,23 @@ struct mapping {
     if (first == 0 || first >= length) return;  // deliberate: a sector against a byte count
     const uint8_t* record = record_at(first);
     if (!record) return;
-    const uint32_t link = add_table(record, first);
-    if (link == 0) return;
-    uint64_t next = first + link;
+    const std::optional<uint32_t> link = add_table(record, first);
+    if (!link) return;
+    uint64_t next = first + *link;
     // A list can't have more tables than there is room for; one that has goes in circles.
     for (uint64_t left = length / mbr_layout::size; left > 0 && next < length; --left) {
       record = record_at(next);
       if (!record) return;
-      const uint32_t onward = add_logical(record, first, next);
-      if (onward == 0) return;
-      next = first + onward;
+      const std::optional<uint32_t> onward = add_logical(record, first, next);
+      if (!onward) return;
+      next = first + *onward;
     }
   }
 
   // As add_table, but for a table of the list at `next`: its extended entry counts from `first`.
-  uint32_t add_logical(const uint8_t* record, uint64_t first, uint64_t next) {
-    const uint32_t link = add_table(record, next);
-    if (link != 0) volumes.back().m_start_sector = first + link;
+  std::optional<uint32_t> add_logical(const uint8_t* record, uint64_t first, uint64_t next) {
+    const std::optional<uint32_t> link = add_table(record, next);
+    if (link) volumes.back().m_start_sector = first + *link;
     return link;
   }
 };
@@ -148,7 +149,7 @@ uint32_t larger_sector(const uint8_t* bytes, uint64_t length) {
 }
 
 void map_from_master_boot(mapping& map) {
-  map.add_extended(map.add_table(map.bytes, 0));
+  map.add_extended(map.add_table(map.bytes, 0).value_or(0));
   for (VOLUME_ENTRY& volume : map.volumes) {
     if (volume.m_start_sector > map.length / map.sector_size) continue;
     const uint64_t at = volume.m_start_sector * map.sector_size;

@@ -86,7 +86,7 @@ bool VMDK_CHAIN::is_hole(uint64_t offset, uint64_t count) const {
   const uint64_t end = offset + count;
   while (offset < end) {
     if (find_owner(offset)) return false;
-    // No grain of any extent begins or ends before the nearest of their grains' ends.
+    // Never farther than a read would go before it asks for an owner again.
     uint64_t step = end - offset;
     for (const auto& [key, extent] : m_extents) {
       step = std::min<uint64_t>(step, extent->bytes_to_grain_end(offset));

@@ -44,7 +44,11 @@ bool VMDK_EXTENT::open(const std::wstring& path, bool write) {
   const auto access = write ? uni::fileio::access::write : uni::fileio::access::read;
   const uni::open_mode mode = uni::open_mode_for(access);
   m_fd = uni::open_raw(m_path_utf8, mode.flags, mode.creation_mode);
-  m_valid = m_fd != -1 && parse();
+  try {
+    m_valid = m_fd != -1 && parse();
+  } catch (const std::bad_alloc&) {
+    m_valid = false;
+  }
   return m_valid;
 }
 
@@ -72,13 +76,20 @@ bool VMDK_EXTENT::read_header() {
 bool VMDK_EXTENT::read_descriptor() {
   const uint64_t at = zk::load_le64(&m_header[descriptor_offset]) * vmdk_layout::sector_size;
   const uint32_t size = sectors_to_bytes32(zk::load_le64(&m_header[descriptor_size]));
-  if (at > static_cast<uint64_t>(INT64_MAX)) return false;
-  // What lies past the file is zeros, which end the text, and need not be held.
-  const uint64_t held = at < m_file_size ? std::min<uint64_t>(size, m_file_size - at) : 0;
+  if (::lseek(m_fd, static_cast<off_t>(at), SEEK_SET) == -1) return false;
+  // The text ends at a NUL, and so at the file's end, whatever size it is said to have.
+  constexpr uint64_t piece_size = 65536;
   std::string text;
-  if (!resize_guarded(text, held)) return false;
-  if (!read_filled(reinterpret_cast<uint8_t*>(text.data()), held, at)) return false;
-  text.resize(std::min(text.find('\0'), text.size()));
+  bool ended = false;
+  for (uint64_t done = 0; done < size && !ended; done += piece_size) {
+    std::string piece(std::min<uint64_t>(piece_size, size - done), '\0');
+    if (!read_filled(reinterpret_cast<uint8_t*>(piece.data()), piece.size(), at + done)) {
+      return false;
+    }
+    const size_t nul = piece.find('\0');
+    ended = nul != std::string::npos;
+    text.append(piece, 0, nul);
+  }
   for (size_t begin = 0; begin < text.size();) {
     const size_t line_end = std::min(text.find('\n', begin), text.size());
     if (line_end != begin) read_descriptor_line(text.substr(begin, line_end - begin));
@@ -118,7 +129,8 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
   // The directory ends where the first table begins.
   const uint64_t size = (first_table - begin) / vmdk_layout::sector_size * vmdk_layout::sector_size;
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
-  if (size > largest_tables || size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
+  if (size > largest_directory) return false;
+  if (size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
   std::vector<uint8_t> bytes;
   if (!resize_guarded(bytes, size) || !resize_guarded(directory, size / sizeof(uint32_t))) {
     return false;
@@ -214,7 +226,7 @@ uint64_t VMDK_EXTENT::capacity_bytes() const {
 
 bool VMDK_EXTENT::read_filled(uint8_t* out, uint64_t count, uint64_t at) const {
   uint64_t done = 0;
-  while (done < count) {
+  while (done < count && at + done < m_file_size) {
     const ssize_t got = ::pread(m_fd, out + done, count - done, static_cast<off_t>(at + done));
     if (got == -1) return false;
     if (got == 0) break;

@@ -17,8 +17,8 @@ class VMDK_EXTENT {
   ~VMDK_EXTENT();
 
   // Opens the file and reads its header, descriptor, grain directory and grain tables. False, with
-  // `m_valid` false, if it is no such extent, can't be read, or its tables would take more than
-  // `largest_tables` bytes. Call once.
+  // `m_valid` false, if it is no such extent, can't be read, or its directory or its tables would
+  // take more than is allowed below. Call once.
   bool open(const std::wstring& path, bool write);
 
   // The place in the file of a byte of the virtual disk. False if this extent doesn't hold it; true
@@ -36,8 +36,10 @@ class VMDK_EXTENT {
   // The size of the virtual disk in bytes, by this extent's header.
   uint64_t capacity_bytes() const;
 
-  // What a hostile directory can make the tables take.
-  static constexpr uint64_t largest_tables = 512ULL << 20;
+  // What a hostile header can make the directory and the tables take. Four million tables of the
+  // usual size are a disk of 128 TiB.
+  static constexpr uint64_t largest_directory = 16ULL << 20;
+  static constexpr uint64_t largest_tables = 256ULL << 20;
 
   std::vector<std::wstring> m_descriptor_lines;
   std::string m_encoding;

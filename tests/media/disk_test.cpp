@@ -159,7 +159,7 @@ TEST_F(disk_test, HostileExtents) {
     EXPECT_EQ(opens(c.at, c.value, good.size()), c.valid) << c.at << ' ' << c.value;
   }
   bytes tables = good;  // entries per table: none, more than may be held, more than the file has
-  for (const auto& [entries, valid] : {std::pair{0u, false}, {0xFFFFFFFFu, false}, {0x1000u, true}, {0x00100001u, false}}) {
+  for (const auto& [entries, valid] : {std::pair{0u, false}, {0xFFFFFFFFu, false}, {0x1000u, true}, {0x00080001u, false}}) {
     zk::store_le32(&tables[entries_per_table], entries);
     VMDK_EXTENT extent;
     EXPECT_EQ(extent.open(zk::utf8_to_wide(dir.write("t", tables)), false), valid) << entries;

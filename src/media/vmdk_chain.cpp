@@ -6,14 +6,15 @@
 bool VMDK_CHAIN::add_files(const std::vector<std::wstring>& paths) {
   return std::all_of(paths.begin(), paths.end(), [this](const std::wstring& path) {
     auto extent = std::make_unique<VMDK_EXTENT>();
-    return extent->open(path, m_writable) && add_file(std::move(extent));
+    if (!extent->open(path, m_writable)) return false;
+    add_file(std::move(extent));
+    return true;
   });
 }
 
-bool VMDK_CHAIN::add_file(std::unique_ptr<VMDK_EXTENT> extent) {
+void VMDK_CHAIN::add_file(std::unique_ptr<VMDK_EXTENT> extent) {
   const std::string key = extent->m_cid;
   m_extents.try_emplace(key, std::move(extent));
-  return true;
 }
 
 bool VMDK_CHAIN::join(VMDK_EXTENT& extent) {

@@ -21,7 +21,7 @@ class VMDK_CHAIN {
   // Opens each file. False at the first that is no usable extent. Of two with the same key the
   // first stays, and the other is closed.
   bool add_files(const std::vector<std::wstring>& paths);
-  bool add_file(std::unique_ptr<VMDK_EXTENT> extent);
+  void add_file(std::unique_ptr<VMDK_EXTENT> extent);
 
   // Joins the extents by their keys. False if there is no base, or a parent isn't among them.
   bool link();

@@ -22,16 +22,6 @@ uint32_t sectors_to_bytes32(uint64_t sectors) {
   return static_cast<uint32_t>(sectors * vmdk_layout::sector_size);
 }
 
-template <class Container>
-bool resize_guarded(Container& container, uint64_t size) {
-  try {
-    container.resize(size);
-  } catch (const std::exception&) {
-    return false;
-  }
-  return true;
-}
-
 }  // namespace
 
 VMDK_EXTENT::~VMDK_EXTENT() {
@@ -44,6 +34,7 @@ bool VMDK_EXTENT::open(const std::wstring& path, bool write) {
   const auto access = write ? uni::fileio::access::write : uni::fileio::access::read;
   const uni::open_mode mode = uni::open_mode_for(access);
   m_fd = uni::open_raw(m_path_utf8, mode.flags, mode.creation_mode);
+  // Every size that came from the file is bounded before it is taken.
   try {
     m_valid = m_fd != -1 && parse();
   } catch (const std::bad_alloc&) {
@@ -131,10 +122,8 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
   if (size > largest_directory) return false;
   if (size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
-  std::vector<uint8_t> bytes;
-  if (!resize_guarded(bytes, size) || !resize_guarded(directory, size / sizeof(uint32_t))) {
-    return false;
-  }
+  std::vector<uint8_t> bytes(size);
+  directory.resize(size / sizeof(uint32_t));
   if (!read_filled(bytes.data(), size, begin)) return false;
   for (size_t i = 0; i < directory.size(); ++i) {
     directory[i] = zk::load_le32(&bytes[i * sizeof(uint32_t)]);
@@ -145,10 +134,9 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
 bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
   if (directory.empty()) return false;
-  std::vector<uint8_t> table;
-  std::vector<uint8_t> scratch;
-  if (!resize_guarded(table, table_bytes) || !resize_guarded(scratch, table_bytes)) return false;
-  if (!resize_guarded(m_grain_tables, directory.size() * m_entries_per_table)) return false;
+  std::vector<uint8_t> table(table_bytes);
+  std::vector<uint8_t> scratch(table_bytes);
+  m_grain_tables.resize(directory.size() * m_entries_per_table);
   uint32_t* entry = m_grain_tables.data();
   for (const uint32_t sector : directory) {
     const uint32_t at = sectors_to_bytes32(sector);

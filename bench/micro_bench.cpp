@@ -95,7 +95,7 @@ void write_one_row(benchmark::State& state) {
   add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), 128);
   uni::null_out_stream out;
   row_writer writer(out, opts);
-  for (auto _ : state) writer.write_row(table.rows.begin()->second, 1);
+  for (auto _ : state) writer.write_row(table, table.rows.front(), 1);
 }
 
 // Scan, decoding and rows of a buffer full of typical records, in time per row.
@@ -112,7 +112,7 @@ void scan_full_buffer(benchmark::State& state) {
     record_table table(opts);
     scan_buffer(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), 0, 0);
     row_writer writer(out, opts);
-    for (const auto& [offset, row] : table.rows) writer.write_row(row, 1);
+    for (const cache_row& row : table.rows) writer.write_row(table, row, 1);
     rows += table.rows.size();
   }
   state.counters["rows"] =

@@ -1,7 +1,6 @@
 #include "cache/cache_row.h"
 
 #include "cache/index_dat.h"
-#include "cache/record_signature.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 
@@ -40,10 +39,9 @@ std::string source_name(const cmd_opts& opts) {
 
 void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts) {
   row.signature = record.signature();
-  row.kind = opts.file_kind;
-  row.local_time = row.kind == file_kind::mshist || has_local_time_prefix(record.url);
+  row.kind = static_cast<uint8_t>(opts.file_kind);
+  row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(record.url);
   row.file_size = record.field32(url_layout::file_size);
-  row.is_leak = row.signature == leak_signature;
   row.flags = record.field32(url_layout::flags);
   const uint32_t count = record.field32(url_layout::count);
   row.count = count == unset_count ? 0 : count;
@@ -58,7 +56,6 @@ void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts
 
 void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts) {
   row.signature = record.signature();
-  row.kind = opts.file_kind;
+  row.kind = static_cast<uint8_t>(opts.file_kind);
   row.valid = record.valid;
-  row.is_redirect = true;
 }

@@ -5,36 +5,42 @@
 #include <string>
 #include <string_view>
 
+#include "cache/record_signature.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
 #include "front/cmd_opts.h"
 
-// Its texts are borrowed from the table that it stands in, so that a row takes no memory of its
-// own beyond its size.
+// Its texts stand one behind the other in the table that it belongs to, so that a row takes no
+// memory of its own beyond its size.
 struct cache_row {
-  uint32_t signature = 0;
-  uint32_t kind = 1;  // the input's file kind
   uint64_t offset = ~0ULL;
-  std::string_view directory;  // filled once the scan is over
-  std::string_view filename;
-  uint64_t file_size = 0;
-  std::string_view source;  // the input's name
-  uint32_t flags = 0;
-  uint32_t count = 0;
-  std::string_view user;
-  std::string_view url;
-  std::string_view http_header;
   uint64_t last_mod = 0;  // FILETIME, 0 for none
   uint64_t access = 0;
+  const char* texts = nullptr;  // URL, user, file name and header
+  uint32_t url_size = 0;
+  uint32_t user_size = 0;
+  uint32_t filename_size = 0;
+  uint32_t http_header_size = 0;
+  uint32_t signature = 0;
+  uint32_t file_size = 0;
+  uint32_t count = 0;
+  uint32_t flags = 0;
   uint32_t expires = 0;  // DOS pairs, date word low, 0 for none
   uint32_t last_sync = 0;
   uint32_t leak_access = 0;
+  uint8_t kind = 1;                // the input's file kind
   uint8_t directory_index = 0xFE;  // row of the directory table
   bool local_time = false;         // the last-mod pair is labelled " local"
   bool valid = false;
-  bool is_redirect = false;
-  bool is_leak = false;
-  std::string_view row_text;  // written alone where no header may be; nothing fills it
+
+  std::string_view url() const { return {texts, url_size}; }
+  std::string_view user() const { return {texts + url_size, user_size}; }
+  std::string_view filename() const { return {texts + url_size + user_size, filename_size}; }
+  std::string_view http_header() const {
+    return {texts + url_size + user_size + filename_size, http_header_size};
+  }
+  bool is_leak() const { return signature == leak_signature; }
+  bool is_redirect() const { return signature == redr_signature; }
 };
 
 // The input's name as the rows show it: the path, the partition with ":\" behind it, or the disk

@@ -84,12 +84,9 @@ bool attach_directories(cache_container& container, record_table& table, const u
   if (!read_header(container, bytes, size)) return false;
   if (!read_directories(container, bytes, size)) return false;
   // A row's index is a byte, so no name past these is ever asked for.
-  std::array<std::string_view, 256> names;
-  const size_t count = std::min(names.size(), container.directories.size());
-  for (size_t i = 0; i < count; ++i) names[i] = table.keep(container.directories[i]);
-  for (auto& [offset, row] : table.rows) {
-    if (row.directory_index < count) row.directory = names[row.directory_index];
-  }
+  const size_t count = std::min<size_t>(container.directories.size(), 256);
+  const auto first = container.directories.begin();
+  table.directories.assign(first, first + static_cast<ptrdiff_t>(count));
   return true;
 }
 

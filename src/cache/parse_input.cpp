@@ -59,11 +59,11 @@ std::optional<bool> scan_file(record_table& table, cmd_opts& opts) {
 void write_rows(std::ostream& out, const record_table& table, const cmd_opts& opts) {
   row_writer writer(out, opts);
   uint64_t number = 0;
-  for (const auto& [offset, row] : table.rows) {
+  for (const cache_row& row : table.rows) {
     if (opts.write_header) {
-      writer.write_row(row, ++number);
+      writer.write_row(table, row, ++number);
     } else {
-      out << row.row_text << std::endl;
+      out << std::endl;
     }
   }
 }

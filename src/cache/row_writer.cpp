@@ -41,7 +41,7 @@ void row_writer::write_header_line() {
   end_line();
 }
 
-void row_writer::write_row(const cache_row& row, uint64_t number) {
+void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
   line.clear();
   if (opts.carve_columns) {
     append_number(line, number);
@@ -58,20 +58,20 @@ void row_writer::write_row(const cache_row& row, uint64_t number) {
     line += static_cast<char>(row.signature >> shift);
   }
   append_cell("");
-  append_cell(row.url);
+  append_cell(row.url());
   if (opts.verbose) {
-    append_cell(row.user);
-    append_cell(row.filename);
+    append_cell(row.user());
+    append_cell(row.filename());
     append_number(line, row.file_size);
     append_cell("");
-    append_cell(row.directory);
+    append_cell(table.directory_of(row));
     append_number(line, row.count);
     append_cell("");
-    append_cell(row.http_header);
+    append_cell(row.http_header());
   } else {
     for (int i = 0; i < verbose_cells; ++i) append_cell("");
   }
-  line += row.source;
+  line += table.source;
   end_line();
 }
 
@@ -122,7 +122,7 @@ void row_writer::append_dos_pair(uint32_t pair) {
 }
 
 void row_writer::append_access_pair(const cache_row& row) {
-  if (row.access == 0 && row.is_leak) {
+  if (row.access == 0 && row.is_leak()) {
     append_dos_pair(row.leak_access);
   } else {
     append_filetime_pair(row.access, utc_label);

@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "cache/cache_row.h"
+#include "cache/record_table.h"
 #include "front/cmd_opts.h"
 #include "time/time_format.h"
 #include "time/zk_time.h"
@@ -23,8 +23,9 @@ class row_writer {
 
   void write_header_line();
 
-  // `number` is the row's, from 1, and is shown with the carve columns alone.
-  void write_row(const cache_row& row, uint64_t number);
+  // Writes a row of the table. `number` is the row's, from 1, and is shown with the carve columns
+  // alone.
+  void write_row(const record_table& table, const cache_row& row, uint64_t number);
 
  private:
   void append_cell(std::string_view text);

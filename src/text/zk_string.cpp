@@ -16,15 +16,11 @@ const std::ctype<char>& default_ctype() {
 
 // Removes the characters of `set` from both ends. False if nothing else was there.
 template <class String>
-bool trim_set(String& text, const typename String::value_type* set) {
-  const size_t last = text.find_last_not_of(set);
-  if (last == String::npos) {
-    text.clear();
-    return false;
-  }
-  if (last + 1 != text.size()) text.erase(last + 1);
-  if (const size_t first = text.find_first_not_of(set); first != 0) text.erase(0, first);
-  return true;
+bool trim_set(String& text, std::basic_string_view<typename String::value_type> set) {
+  const auto stays = [set](auto c) { return std::find(set.begin(), set.end(), c) == set.end(); };
+  text.erase(std::find_if(text.rbegin(), text.rend(), stays).base(), text.end());
+  text.erase(text.begin(), std::find_if(text.begin(), text.end(), stays));
+  return !text.empty();
 }
 
 template <class String>

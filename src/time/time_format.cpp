@@ -14,8 +14,8 @@ namespace {
 constexpr size_t none = std::string::npos;
 constexpr size_t most_fraction_digits = 9;
 
-// Writes `value` in decimal, in exactly `width` digits, and returns the place behind them.
-char* put_digits(char* at, uint64_t value, size_t width) {
+// Write a value in decimal, in exactly so many digits, and return the place behind them.
+char* put_digits(char* at, uint32_t value, size_t width) {
   for (size_t i = width; i-- > 0; value /= 10) at[i] = static_cast<char>('0' + value % 10);
   return at + width;
 }
@@ -24,13 +24,6 @@ char* put_two(char* at, uint32_t value) {
   at[0] = static_cast<char>('0' + value / 10 % 10);
   at[1] = static_cast<char>('0' + value % 10);
   return at + 2;
-}
-
-// The fraction of the second, cut to `digits` places.
-uint64_t fraction_of(const _windows_systemtime& fields, size_t digits) {
-  uint64_t fraction = fields.nanosecond;
-  for (size_t i = digits; i < most_fraction_digits; ++i) fraction /= 10;
-  return fraction;
 }
 
 template <class... Numbers>
@@ -83,6 +76,7 @@ masked_format::masked_format(const std::string& date_mask, const std::string& ti
   if (const size_t fraction_at = time_mask.find("xxx"); fraction_at != none) {
     const size_t digits = time_mask.rfind('x') - fraction_at + 1;
     fraction_digits = digits > most_fraction_digits ? 0 : digits;
+    for (size_t i = digits; i < most_fraction_digits; ++i) fraction_unit *= 10;
   }
 }
 
@@ -91,7 +85,8 @@ void masked_format::append_date(std::string& out, const _windows_systemtime& fie
   std::array<char, 16> text;  // "mmm", "dd,", "yyyy" and two separators at the most
   char* at = text.data();
   const auto put_year = [&] {
-    at = two_digit_year ? put_two(at, fields.year) : put_digits(at, fields.year, 4);
+    at = two_digit_year ? put_two(at, fields.year)
+                        : put_two(put_two(at, fields.year / 100U), fields.year);
   };
   const auto put_month = [&] {
     if (month_name) {
@@ -121,7 +116,7 @@ void masked_format::append_date(std::string& out, const _windows_systemtime& fie
     *at++ = between;
     put_year();
   }
-  out.append(text.data(), at);
+  out.append(text.data(), static_cast<size_t>(at - text.data()));
 }
 
 void masked_format::append_time(std::string& out, const _windows_systemtime& fields) const {
@@ -138,9 +133,10 @@ void masked_format::append_time(std::string& out, const _windows_systemtime& fie
   }
   if (fraction_digits != 0) {
     *at++ = '.';
-    at = put_digits(at, fraction_of(fields, fraction_digits), fraction_digits);
+    const auto nanoseconds = static_cast<uint32_t>(fields.nanosecond);
+    at = put_digits(at, nanoseconds / fraction_unit, fraction_digits);
   }
-  out.append(text.data(), at);
+  out.append(text.data(), static_cast<size_t>(at - text.data()));
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,

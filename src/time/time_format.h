@@ -42,6 +42,7 @@ class masked_format {
   bool hour_minute = false;
   bool second = false;
   size_t fraction_digits = 0;  // 0 for none
+  uint32_t fraction_unit = 1;  // nanoseconds in the last of them
 };
 
 // Writes both texts by the masks. The result is the `valid` flag of `t`.

@@ -19,12 +19,12 @@ strings attached(byte_vector bytes, size_t size, uint32_t count, const std::vect
   bytes.shrink_to_fit();
   const cmd_opts opts;
   record_table table(opts);
-  for (const uint8_t index : indexes) table.rows[table.rows.size()].directory_index = index;
+  for (const uint8_t index : indexes) table.add(table.rows.size())->directory_index = index;
   cache_container container;
   container.directories = {"used", "before"};
   attach_directories(container, table, bytes.data(), static_cast<uint32_t>(size));
   strings found;
-  for (const auto& [offset, row] : table.rows) found.emplace_back(row.directory);
+  for (const cache_row& row : table.rows) found.emplace_back(table.directory_of(row));
   return found;
 }
 

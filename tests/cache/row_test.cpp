@@ -31,7 +31,7 @@ std::string line_of(const record& made, const cmd_opts& opts) {
   add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), 0x4200);
   std::ostringstream out;
   row_writer writer(out, opts);
-  for (const auto& [offset, row] : table.rows) writer.write_row(row, 7);
+  for (const cache_row& row : table.rows) writer.write_row(table, row, 7);
   return out.str();
 }
 

@@ -16,14 +16,6 @@ constexpr std::string_view titles[] = {
     "HTTP header",   "index.dat filename"};
 constexpr int verbose_cells = 6;  // user to HTTP header
 
-void append_number(std::string& line, uint64_t value, int base = 10, size_t width = 1) {
-  std::array<char, 20> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, base).ptr;
-  const auto count = static_cast<size_t>(end - digits.data());
-  if (count < width) line.append(width - count, '0');
-  line.append(digits.data(), count);
-}
-
 }  // namespace
 
 row_writer::row_writer(std::ostream& stream, const cmd_opts& options)
@@ -37,78 +29,88 @@ void row_writer::write_header_line() {
     for (const std::string_view title : carve_titles) append_cell(title);
   }
   for (const std::string_view title : titles) append_cell(title);
-  line.resize(line.size() - opts.csv_separator.size());
+  line.drop_last(opts.csv_separator.size());
   end_line();
 }
 
 void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
   line.clear();
   if (opts.carve_columns) {
-    append_number(line, number);
-    append_cell("");
-    line += "0x";
-    append_number(line, row.offset, 16, 8);
-    append_cell("");
+    append_number(number);
+    end_cell();
+    line.put("0x");
+    append_number(row.offset, 16, 8);
+    end_cell();
   }
   append_filetime_pair(row.last_mod, row.local_time ? local_label : utc_label);
   append_access_pair(row);
   append_dos_pair(row.expires);
   append_dos_pair(row.last_sync);
   for (int shift = 0; shift < 32; shift += 8) {
-    line += static_cast<char>(row.signature >> shift);
+    line.put(static_cast<char>(row.signature >> shift));
   }
-  append_cell("");
+  end_cell();
   append_cell(row.url());
   if (opts.verbose) {
     append_cell(row.user());
     append_cell(row.filename());
-    append_number(line, row.file_size);
-    append_cell("");
+    append_number(row.file_size);
+    end_cell();
     append_cell(table.directory_of(row));
-    append_number(line, row.count);
-    append_cell("");
+    append_number(row.count);
+    end_cell();
     append_cell(row.http_header());
   } else {
-    for (int i = 0; i < verbose_cells; ++i) append_cell("");
+    for (int i = 0; i < verbose_cells; ++i) end_cell();
   }
-  line += table.source;
+  line.put(table.source);
   end_line();
 }
 
-void row_writer::append_cell(std::string_view text) {
-  if (!text.empty()) line += text;
+void row_writer::end_cell() {
   if (opts.csv_separator.size() == 1) {
-    line += opts.csv_separator[0];
+    line.put(opts.csv_separator[0]);
   } else {
-    line += opts.csv_separator;
+    line.put(opts.csv_separator);
   }
+}
+
+void row_writer::append_cell(std::string_view text) {
+  line.put(text);
+  end_cell();
+}
+
+void row_writer::append_number(uint64_t value, int base, size_t width) {
+  std::array<char, 20> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, base).ptr;
+  const std::string_view text(digits.data(), static_cast<size_t>(end - digits.data()));
+  for (size_t i = text.size(); i < width; ++i) line.put('0');
+  line.put(text);
 }
 
 void row_writer::append_time_pair(const zk::time& t, std::string_view label) {
   if (!t.valid) {
-    append_cell("");
-    append_cell("");
+    end_cell();
+    end_cell();
     return;
   }
-  const auto append_label_since = [&](size_t time_begin) {
-    if (line.size() != time_begin) line += label;
-    append_cell("");
-  };
+  std::string date;
+  std::string time;
   if (dates) {
-    std::string date;
-    std::string time;
     zk::format_default(date, time, t, true, false, &*dates, false);
     append_cell(date);
-    const size_t time_begin = line.size();
-    line += time;
-    append_label_since(time_begin);
   } else {
-    masks.append_date(line, t.fields);
-    append_cell("");
-    const size_t time_begin = line.size();
-    masks.append_time(line, t.fields);
-    append_label_since(time_begin);
+    line.put(zk::longest_date, [&](char* at) { return masks.put_date(at, t.fields); });
+    end_cell();
   }
+  const size_t time_begin = line.size();
+  if (dates) {
+    line.put(time);
+  } else {
+    line.put(zk::longest_time, [&](char* at) { return masks.put_time(at, t.fields); });
+  }
+  if (line.size() != time_begin) line.put(label);
+  end_cell();
 }
 
 void row_writer::append_filetime_pair(uint64_t filetime, std::string_view label) {
@@ -130,7 +132,7 @@ void row_writer::append_access_pair(const cache_row& row) {
 }
 
 void row_writer::end_line() {
-  line += '\n';
-  out.write(line.data(), static_cast<std::streamsize>(line.size()));
+  line.put('\n');
+  out.write(line.text().data(), static_cast<std::streamsize>(line.size()));
   out.flush();
 }

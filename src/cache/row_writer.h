@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <optional>
 #include <ostream>
-#include <string>
 #include <string_view>
 
 #include "cache/record_table.h"
 #include "front/cmd_opts.h"
+#include "text/text_line.h"
 #include "time/time_format.h"
 #include "time/zk_time.h"
 
@@ -28,7 +28,9 @@ class row_writer {
   void write_row(const record_table& table, const cache_row& row, uint64_t number);
 
  private:
+  void end_cell();
   void append_cell(std::string_view text);
+  void append_number(uint64_t value, int base = 10, size_t width = 1);
   void append_time_pair(const zk::time& t, std::string_view label);
   void append_filetime_pair(uint64_t filetime, std::string_view label);
   void append_dos_pair(uint32_t pair);
@@ -40,5 +42,5 @@ class row_writer {
   const zk::masked_format masks;
   std::optional<zk::locale_dates> dates;  // with -locale
   zk::time loaded;
-  std::string line;
+  zk::text_line line;
 };

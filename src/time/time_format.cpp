@@ -20,10 +20,18 @@ char* put_digits(char* at, uint32_t value, size_t width) {
   return at + width;
 }
 
+// "00" to "99".
+constexpr auto two_digits = [] {
+  std::array<char, 200> digits = {};
+  for (size_t i = 0; i < digits.size(); ++i) {
+    digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+  }
+  return digits;
+}();
+
+// The last two digits.
 char* put_two(char* at, uint32_t value) {
-  at[0] = static_cast<char>('0' + value / 10 % 10);
-  at[1] = static_cast<char>('0' + value % 10);
-  return at + 2;
+  return std::copy_n(&two_digits[value % 100 * 2], 2, at);
 }
 
 template <class... Numbers>
@@ -80,10 +88,8 @@ masked_format::masked_format(const std::string& date_mask, const std::string& ti
   }
 }
 
-void masked_format::append_date(std::string& out, const _windows_systemtime& fields) const {
-  if (!has_date) return;
-  std::array<char, 16> text;  // "mmm", "dd,", "yyyy" and two separators at the most
-  char* at = text.data();
+char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
+  if (!has_date) return at;
   const auto put_year = [&] {
     at = two_digit_year ? put_two(at, fields.year)
                         : put_two(put_two(at, fields.year / 100U), fields.year);
@@ -116,12 +122,10 @@ void masked_format::append_date(std::string& out, const _windows_systemtime& fie
     *at++ = between;
     put_year();
   }
-  out.append(text.data(), static_cast<size_t>(at - text.data()));
+  return at;
 }
 
-void masked_format::append_time(std::string& out, const _windows_systemtime& fields) const {
-  std::array<char, 24> text;  // "hh:mm:ss." and nine digits at the most
-  char* at = text.data();
+char* masked_format::put_time(char* at, const _windows_systemtime& fields) const {
   if (hour_minute) {
     at = put_two(at, fields.hour);
     *at++ = ':';
@@ -136,7 +140,7 @@ void masked_format::append_time(std::string& out, const _windows_systemtime& fie
     const auto nanoseconds = static_cast<uint32_t>(fields.nanosecond);
     at = put_digits(at, nanoseconds / fraction_unit, fraction_digits);
   }
-  out.append(text.data(), static_cast<size_t>(at - text.data()));
+  return at;
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,
@@ -145,8 +149,9 @@ bool format_masked(std::string& date_out, std::string& time_out, const time& t,
   time_out.clear();
   if (!t.valid) return false;
   const masked_format format(date_mask, time_mask);
-  format.append_date(date_out, t.fields);
-  format.append_time(time_out, t.fields);
+  std::array<char, std::max(longest_date, longest_time)> text;
+  date_out.assign(text.data(), format.put_date(text.data(), t.fields));
+  time_out.assign(text.data(), format.put_time(text.data(), t.fields));
   return true;
 }
 

@@ -12,6 +12,10 @@
 
 namespace zk {
 
+// The longest texts that masks give, in bytes.
+inline constexpr size_t longest_date = 12;  // "mmm", "dd,", "yyyy" and two separators
+inline constexpr size_t longest_time = 18;  // "hh:mm", ":ss", "." and nine digits
+
 // A date mask and a time mask, read once and then applied to any number of times.
 //
 // A date mask holds "yyyy" or "yy", "mmm" (English abbreviation) or "mm", "dd", and one of "/",
@@ -24,9 +28,10 @@ class masked_format {
  public:
   masked_format(const std::string& date_mask, const std::string& time_mask);
 
-  // Append the date or the time of day of a valid time. An empty mask appends nothing.
-  void append_date(std::string& out, const _windows_systemtime& fields) const;
-  void append_time(std::string& out, const _windows_systemtime& fields) const;
+  // Write the date or the time of day of a valid time at `at`, which has room for the longest, and
+  // return the place behind it. An empty mask writes nothing.
+  char* put_date(char* at, const _windows_systemtime& fields) const;
+  char* put_time(char* at, const _windows_systemtime& fields) const;
 
  private:
   // Date.

@@ -1,61 +1,86 @@
 #!/usr/bin/env bash
 # run.sh [RUNS]: builds the benchmarks, makes their inputs below ${UDX_BENCH_DIR:-/tmp/udx-bench}
-# (about 3 GiB, kept for the next time), and times udx beside a yardstick for each scenario.
+# (about 9 GiB, kept for the next time), and times udx beside a yardstick for each scenario.
 set -eu
 runs=${1:-5}
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
 need "${compiler[@]}" /usr/include/benchmark/benchmark.h=libbenchmark-dev find=findutils \
-  qemu-img=qemu-utils
+  qemu-img=qemu-utils rg=ripgrep
 echo "building the benchmarks"
 quietly cmake --preset bench
 quietly cmake --build --preset bench -j2
 bin=$PWD/build/bench
-dir=${UDX_BENCH_DIR:-/tmp/udx-bench}
-mkdir -p "$dir"
+udx="$bin/udx -quiet"
+mkdir -p "${UDX_BENCH_DIR:=/tmp/udx-bench}"
+dir=$(realpath "$UDX_BENCH_DIR")
+cd "$dir"
 
-echo "making the inputs in $dir"
-[ -f "$dir/few.dat" ] || "$bin/tools/make_sample" --sparse --size 1G "$dir/few.dat"
-[ -f "$dir/full.dat" ] || "$bin/tools/make_sample" --size 16777216 "$dir/full.dat"
-if [ ! -d "$dir/indexes" ]; then
-  "$bin/tools/make_sample" --size 32K "$dir/one.dat"
-  mkdir "$dir/indexes"
-  (cd "$dir/indexes" &&
-   seq 20000 | sed 's/$/.dat/' | xargs -n 400 sh -c 'tee "$@" <../one.dat >/dev/null' tee)
-fi
-if [ ! -d "$dir/others" ]; then
-  mkdir "$dir/others"
-  (cd "$dir/others" && seq 100000 | sed 's/^/d/' | xargs mkdir && seq 100000 | xargs touch)
-fi
-
-if [ ! -f "$dir/full.vmdk" ]; then
-  # Without holes: what is zero in the raw image is written as well.
-  qemu-img convert -f raw -O vmdk -S 0 "$dir/few.dat" "$dir/full.vmdk"
-  quietly qemu-img create -f vmdk "$dir/empty.vmdk" 500G
-fi
-
-# scenario NAME 'UDX COMMAND' 'YARDSTICK'
-scenario() {
-  read -r wall user other_wall other_user peak ratio < \
-    <("$bin/bench/side_by_side" "$runs" "$2" "$3")
-  printf '%-34s %9s %9s %9s %9s %7s %9s\n' "$1" "$wall" "$user" "$other_wall" "$other_user" \
-    "$ratio" "$peak"
+# Makes an input under another name first, so that a run that was stopped leaves no half of one.
+make_once() {
+  [ -e "$1" ] || { rm -rf new && "${@:2}" && mv new "$1"; }
+}
+cut() { head -c "$2" "$1" >new; }
+make_indexes() {
+  "$bin/tools/make_sample" --size 32K one.dat
+  mkdir new
+  (cd new && seq 20000 | sed 's/$/.dat/' | xargs -n 400 sh -c 'tee "$@" <../one.dat >/dev/null' tee)
+}
+make_others() {
+  mkdir new
+  (cd new && seq 100000 | sed 's/^/d/' | xargs mkdir && seq 100000 | xargs touch)
+}
+make_full_disk() { qemu-img convert -f raw -O vmdk -S 0 few-1G.dat new; }
+make_empty_disk() {
+  truncate -s 500G raw
+  dd if=one.dat of=raw bs=1M seek=300000 conv=notrunc status=none
+  qemu-img convert -f raw -O vmdk raw new
+  rm raw
 }
 
-printf '%-34s %9s %9s %9s %9s %7s %9s\n' scenario udx 'udx user' other 'its user' ratio 'peak KiB'
-udx=$bin/udx
-scenario '1 GiB, few records: bare loop' "$udx -quiet -f $dir/few.dat >/dev/null" \
-  "$bin/bench/bare_loop $dir/few.dat >/dev/null"
-scenario '16 MiB, full: cat' "$udx -quiet -f $dir/full.dat -out $dir/out" \
-  "cat $dir/full.dat >/dev/null"
-scenario '20,000 indexes: find and cat' "$udx -quiet -enumdir $dir/indexes -out $dir/out" \
-  "find $dir/indexes -type f -exec cat {} + >/dev/null"
-rows=$(grep -c ',URL ,\|,LEAK,\|,REDR,' "$dir/out")
-awk -v rows="$rows" -v udx="$wall" -v other="$other_wall" 'BEGIN {
-  printf "  less its time: %.2f microseconds a row, %d rows\n", (udx - other) / rows * 1e6, rows }'
-scenario '200,000 others: find -name' \
-  "$udx -quiet -enumdir $dir/others -num_subdirs 9 -filter index.dat >/dev/null" \
-  "find $dir/others -name index.dat >/dev/null"
-scenario '1 GiB VMDK: the same as a file' "$udx -quiet -vmdk $dir/full.vmdk >/dev/null 2>&1" \
-  "$udx -quiet -f $dir/few.dat >/dev/null"
-scenario '500 GiB VMDK, empty: nothing' "$udx -vmdk $dir/empty.vmdk >/dev/null 2>&1" true
+echo "making the inputs in $dir"
+make_once few-2G.dat "$bin/tools/make_sample" --sparse --size 2G new
+make_once dense-1G.dat "$bin/tools/make_sample" --size 1G new
+for size in 1G 512M 256M; do make_once few-$size.dat cut few-2G.dat $size; done
+for size in 512M 256M 128M; do make_once dense-$size.dat cut dense-1G.dat $size; done
+make_once indexes make_indexes
+make_once others make_others
+make_once full.vmdk make_full_disk
+make_once empty.vmdk make_empty_disk
+
+line='%-38s %9s %9s %8s %8s %10s\n'
+# scenario NAME 'RATIO AT MOST' 'UDX COMMAND' 'YARDSTICK'
+scenario() {
+  read -r wall user other_wall other_user peak ratio < \
+    <("$bin/bench/side_by_side" "$runs" "$3" "$4")
+  printf "$line" "$1" "$wall" "$other_wall" "$ratio" "$2" "$((peak / 1024)) MiB"
+}
+
+printf "$line" scenario 'udx s' 'other s' ratio 'at most' 'udx peak'
+words="'URL |LEAK|REDR'"
+few="$udx -f few-1G.dat >rows"
+scenario '1 GiB, few records: bare loop' 1.15 "$few" "$bin/bench/bare_loop few-1G.dat >found"
+scenario '  rg' 1.6 "$few" "rg -a -o -b -c $words few-1G.dat >found"
+scenario '  grep' 0.25 "$few" "LC_ALL=C grep -a -c -E $words few-1G.dat >found"
+scenario '1 GiB, dense: wc of the output' 1.0 "$udx -f dense-1G.dat -out rows" 'wc rows >found'
+printf "$line" '  peak memory: size of the output' '' '' \
+  "$(awk "BEGIN { printf \"%.2f\", $peak * 1024 / $(stat -c %s rows) }")" 1.5 ''
+scenario '20,000 indexes: find, cat and wc' 1.0 "$udx -enumdir $dir/indexes -out rows" \
+  "find $dir/indexes -type f -exec cat {} + >all; wc rows >found"
+scenario '200,000 others: find -name' 2.0 \
+  "$udx -enumdir $dir/others -num_subdirs 9 -filter index.dat >rows" \
+  "find $dir/others -name index.dat >found"
+scenario '1 GiB VMDK: the same as a file' 1.15 "$udx -vmdk $dir/full.vmdk >rows 2>&1" "$few"
+scenario '500 GiB VMDK, one index: qemu-img map' 0.5 "$udx -vmdk $dir/empty.vmdk >rows 2>&1" \
+  'qemu-img map empty.vmdk >found'
+times() { echo "for i in $(seq -s ' ' 500); do $1; done"; }
+scenario '500 runs on 32 KiB: cat' 3.0 "$(times "$udx -f one.dat >rows")" \
+  "$(times 'cat one.dat >found')"
+for size in 512M 1G 2G; do
+  scenario "few records, $size: 256M" '' "$udx -f few-$size.dat >rows" "$udx -f few-256M.dat >rows"
+done
+for size in 256M 512M 1G; do
+  scenario "dense, $size: 128M" '' "$udx -f dense-$size.dat -out rows" \
+    "$udx -f dense-128M.dat -out rows"
+done
+rm -f all rows found

@@ -61,6 +61,6 @@ int main(int argc, char** argv) {
     ratios.push_back(a.wall / b.wall);
     peak = std::max(peak, a.peak_kib);
   }
-  std::printf("%.3f %.3f %.3f %.3f %ld %.2f\n", median(wall_a), median(user_a), median(wall_b),
+  std::printf("%.4f %.4f %.4f %.4f %ld %.2f\n", median(wall_a), median(user_a), median(wall_b),
               median(user_b), peak, median(ratios));
 }

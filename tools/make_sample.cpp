@@ -3,6 +3,7 @@
 #include <cstring>
 #include <fstream>
 #include <iostream>
+#include <random>
 #include <string>
 
 #include "tools/index_builder.h"
@@ -13,7 +14,7 @@ namespace {
 constexpr const char* usage_text =
     "usage: make_sample FILE                          a small index with a record of each kind\n"
     "       make_sample --size N[K|M|G] FILE          packed with typical records, N bytes\n"
-    "       make_sample --sparse --size N[K|M|G] FILE few records, zeros between them\n";
+    "       make_sample --sparse --size N[K|M|G] FILE few records, noise between them\n";
 
 bool read_size(const std::string& text, uint64_t& size) {
   size_t used = 0;
@@ -34,6 +35,17 @@ void write(std::ostream& out, const sample::byte_vector& bytes, uint64_t most) {
   out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(count));
 }
 
+// What a used disk holds between records. The same bytes for the same seed.
+void append_noise(sample::byte_vector& bytes, size_t count, uint64_t seed) {
+  std::mt19937_64 random(seed);
+  const size_t end = bytes.size() + count;
+  bytes.resize(end);
+  for (size_t at = end - count; at + sizeof(uint64_t) <= end; at += sizeof(uint64_t)) {
+    const uint64_t bits = random();
+    std::memcpy(&bytes[at], &bits, sizeof bits);
+  }
+}
+
 // A HASH block and the records that it lists.
 struct section {
   sample::byte_vector bytes;
@@ -47,7 +59,7 @@ struct section {
       offsets.push_back(static_cast<uint32_t>(offset));
       records.insert(records.end(), record.begin(), record.end());
     }
-    records.resize(records.size() + spare);
+    append_noise(records, spare, first_record);
     const uint64_t next = at + sample::index_file::hash_block_size + records.size();
     bytes = sample::hash_block_bytes(offsets, last ? 0 : static_cast<uint32_t>(next));
     bytes.insert(bytes.end(), records.begin(), records.end());
@@ -55,14 +67,14 @@ struct section {
 };
 
 void write_large(std::ostream& out, uint64_t size, bool sparse) {
-  constexpr size_t zeros_between_sparse = size_t{4} << 20;
+  constexpr size_t noise_between = size_t{4} << 20;
   constexpr uint64_t farthest_link = 0xF0000000;  // offsets have 32 bits
   const size_t per_section = sparse ? 2 : sample::index_file::most_entries;
   const sample::byte_vector header = sample::header_bytes(sample::directory_names(), size);
   write(out, header, size);
   uint64_t at = header.size();
   for (uint64_t n = 0; at < size && out; n += per_section) {
-    const section next(at, n, per_section, sparse ? zeros_between_sparse : 0, at > farthest_link);
+    const section next(at, n, per_section, sparse ? noise_between : 0, at > farthest_link);
     write(out, next.bytes, size - at);
     at += next.bytes.size();
   }

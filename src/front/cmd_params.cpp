@@ -68,10 +68,10 @@ void cmd_params::diag_printf(const char* format, ...) {
   if (!diag_on) return;
   // What the text may take beyond its format; a longer one is cut.
   constexpr size_t spare = 256;
-  std::string text(std::strlen(format) + spare, '\0');
+  std::vector<char> text(std::strlen(format) + spare);
   std::va_list arguments;
   va_start(arguments, format);
   std::vsnprintf(text.data(), text.size(), format, arguments);
   va_end(arguments);
-  diag_write(text.c_str());
+  diag_write(text.data());
 }

@@ -20,18 +20,19 @@ char* put_digits(char* at, uint32_t value, size_t width) {
   return at + width;
 }
 
-// "00" to "99".
-constexpr auto two_digits = [] {
+// "00" to "99", one behind the other.
+constexpr std::array<char, 200> make_two_digits() {
   std::array<char, 200> digits = {};
   for (size_t i = 0; i < digits.size(); ++i) {
     digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
   }
   return digits;
-}();
+}
+constexpr auto two_digits = make_two_digits();
 
 // The last two digits.
 char* put_two(char* at, uint32_t value) {
-  return std::copy_n(&two_digits[value % 100 * 2], 2, at);
+  return std::copy_n(&two_digits[size_t{2} * (value % 100)], 2, at);
 }
 
 template <class... Numbers>

@@ -181,10 +181,10 @@ bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
 
 uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
   if (fields.tm_mon < 0 || fields.tm_mon > 11) {
-    const int64_t month = fields.tm_mon;
-    const int64_t whole_years = (month - (month < 0 ? 11 : 0)) / 12;
+    const int month = (fields.tm_mon % 12 + 12) % 12;
+    const int64_t whole_years = (int64_t{fields.tm_mon} - month) / 12;
     fields.tm_year = static_cast<int>(fields.tm_year + whole_years);
-    fields.tm_mon = static_cast<int>(month - whole_years * 12);
+    fields.tm_mon = month;
   }
   const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
   int64_t days = last_day_common[fields.tm_mon];

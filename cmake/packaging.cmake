@@ -43,4 +43,5 @@ REDR record, so that an examiner can see what a browser stored and when.
 .
 It takes single files, lists of paths, folders, raw images and VMware disks,
 and finds records in damaged files and fragments too.")
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian_paths.cmake)
 include(CPack)

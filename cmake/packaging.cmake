@@ -1,0 +1,47 @@
+# What `cmake --install` puts where, and the packages that `cpack` makes of it.
+include(GNUInstallDirs)
+find_program(UDX_GZIP gzip REQUIRED)
+
+# Writes a file with the version in it to the build folder and compresses it there.
+function(udx_compressed_page from to folder)
+  configure_file(${from} ${to} @ONLY)
+  add_custom_command(OUTPUT ${to}.gz DEPENDS ${to} VERBATIM
+    COMMAND ${UDX_GZIP} -9nc ${to} > ${to}.gz)
+  add_custom_target(udx_${to} ALL DEPENDS ${to}.gz)
+  install(FILES ${CMAKE_CURRENT_BINARY_DIR}/${to}.gz DESTINATION ${folder})
+endfunction()
+
+# A release is stripped as it is installed.
+install(CODE [[
+  if(CMAKE_INSTALL_CONFIG_NAME STREQUAL "Release")
+    set(CMAKE_INSTALL_DO_STRIP ON)
+  endif()]])
+install(TARGETS udx RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+udx_compressed_page(docs/udx.1.in udx.1 ${CMAKE_INSTALL_MANDIR}/man1)
+udx_compressed_page(cmake/changelog.in changelog ${CMAKE_INSTALL_DOCDIR})
+install(FILES completions/udx.bash RENAME udx
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+install(FILES completions/_udx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES README.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+install(FILES examples/index.dat DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+
+# .invalid is the domain of addresses that lead nowhere.
+set(CPACK_PACKAGE_CONTACT "the udx developers <udx@udx.invalid>")
+set(CPACK_PACKAGE_VENDOR "the udx developers")
+set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
+  OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_SECTION utils)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
+"udx reads the index.dat files in which Internet Explorer kept its cache,
+history and cookie indexes, and writes one delimited row for each URL, LEAK and
+REDR record, so that an examiner can see what a browser stored and when.
+.
+It takes single files, lists of paths, folders, raw images and VMware disks,
+and finds records in damaged files and fragments too.")
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian_paths.cmake)
+include(CPack)

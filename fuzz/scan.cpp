@@ -1,0 +1,87 @@
+// The search over any bytes: where it finds rows, what it may change, what a row's text may hold.
+#include <map>
+#include <sstream>
+
+#include "cache/index_dat.h"
+#include "cache/record_scan.h"
+#include "cache/record_signature.h"
+#include "cache/row_writer.h"
+#include "fuzz/support.h"
+
+namespace {
+
+auto count_of(std::string_view text, char c) {
+  return std::count(text.begin(), text.end(), c);
+}
+
+void check_text(const cache_row& row, std::string_view directory, const std::string& line) {
+  const auto holds = [](std::string_view text, const char* unwanted) {
+    return text.find_first_of(unwanted) != std::string_view::npos;
+  };
+  require(!holds(row.url(), ",") && (row.is_redirect() || !holds(row.url(), "\r\n")),
+          "a URL is cleaned");
+  require(!holds(row.filename(), ",\r\n"), "a file name is cleaned");
+  const std::string_view header = row.http_header();
+  require(std::all_of(header.begin(), header.end(),
+                      [](char c) { return c >= 0x20 && c <= 0x7E && c != ','; }),
+          "a header text is printable and cleaned");
+  // A user and a directory name keep what they hold, a REDR record's URL its line ends.
+  require(count_of(line, ',') == 16 + count_of(row.user(), ',') + count_of(directory, ','),
+          "a row has 17 cells");
+  require(count_of(line, '\n') == 1 + count_of(row.user(), '\n') + count_of(directory, '\n') +
+                                      count_of(row.url(), '\n'),
+          "a row is one line");
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  byte_vector bytes(data, data + size);
+  cmd_opts opts;
+  opts.input_path = "/evidence/index.dat";
+  record_table table(opts);
+  const bool found = scan_buffer(table, opts, bytes.data(), static_cast<uint32_t>(size), 0, 0);
+  cache_container container;
+  attach_directories(container, table, bytes.data(), static_cast<uint32_t>(size));
+
+  // Each signature on the grid, and what it must come to, worked out apart from the search.
+  byte_vector expected(data, data + size);
+  std::map<uint64_t, uint32_t> signatures;
+  for (size_t at = block_size; at + 4 < size; at += block_size) {
+    const uint32_t four = zk::load_le32(data + at);
+    if (is_url_or_leak(four) || four == redr_signature) signatures.emplace(at, four);
+  }
+  for (auto place = signatures.begin(); place != signatures.end(); ++place) {
+    const auto [at, four] = *place;
+    const size_t left = size - at;
+    const bool few_blocks = left >= 8 && zk::load_le32(data + at + 4) < too_many_blocks;
+    const bool leak_counts = four == leak_signature && left >= url_layout::fixed_size;
+    const bool redr_counts = four == redr_signature && left >= redr_layout::fixed_size;
+    if (few_blocks && (leak_counts || redr_counts)) {
+      require(find_row(table, at) != nullptr, "a whole LEAK or REDR record gives a row");
+    }
+    const auto next = std::next(place);
+    if (is_url_or_leak(four) && next != signatures.end()) {
+      zk::store_le32(&expected[at + 4], static_cast<uint32_t>(next->first - at) / block_size);
+    }
+  }
+  require(found == !signatures.empty(), "the result tells of signatures");
+  require(bytes == expected, "only block counts change, to where the next record begins");
+
+  std::ostringstream out;
+  row_writer writer(out, opts);
+  const auto not_behind = [](const cache_row& a, const cache_row& b) {
+    return a.offset >= b.offset;
+  };
+  require(std::adjacent_find(table.rows.begin(), table.rows.end(), not_behind) == table.rows.end(),
+          "rows ascend");
+  for (const cache_row& row : table.rows) {
+    const auto place = signatures.find(row.offset);
+    require(place != signatures.end() && place->second == row.signature,
+            "a row stands at its signature");
+    out.str("");
+    writer.write_row(table, row, 1);
+    check_text(row, table.directory_of(row), out.str());
+  }
+  return 0;
+}

@@ -1,5 +1,7 @@
-// What an examiner sees when the system fails the program, as faults.txt tells.
+// What an examiner sees when the system fails the program, as faults.txt tells; and that no run
+// changes an input.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <map>
 
@@ -106,6 +108,45 @@ TEST_F(Faults, OfLimits) {
   for (int i = 0; i < 18; ++i) packed.insert(packed.end(), packed.begin(), packed.end());
   dir.write("packed", packed);
   check("limits");
+}
+
+const strings all_modes = {"-f small", "-f large", "-f base", "-vmdk base,leaf", "-pipe <list", "-enumdir ./ -num_subdirs 9",
+                           "-enumdir ./ -filter_sig '43 6C' -cmd_start_time 2000-1-1", "-partition base", "-f small -out rows"};
+
+TEST_F(Faults, NoRunChangesAnInput) {
+  dir.write("list", "small\nlarge\nbase\nnone\n");
+  const bool traced = run("ASAN_OPTIONS=detect_leaks=0 strace -o trace ./udx").status == 0;
+  const auto inputs = [&] {
+    std::map<string, string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(dir.path())) {
+      const string name = entry.path().filename();
+      struct stat facts;
+      if (name == "out" || name == "err" || name == "rows" || name == "trace" || name == "udx") continue;
+      EXPECT_EQ(stat(entry.path().c_str(), &facts), 0);
+      found[name] = joined(facts.st_mode, facts.st_size, facts.st_mtim.tv_sec, facts.st_mtim.tv_nsec, facts.st_ctim.tv_sec, facts.st_ctim.tv_nsec) + read_file(entry.path());
+    }
+    return found;
+  };
+  for (const char* name : {"small", "large", "base", "leaf", "sixteen", "many", "list"}) chmod(dir.path(name).c_str(), 0400);
+  const auto before = inputs();
+  for (const string& mode : all_modes) {
+    run((traced ? "ASAN_OPTIONS=detect_leaks=0 strace -f -o trace -e trace=%file,ftruncate,fchmod,fallocate ./udx " : "./udx ") + mode);
+    EXPECT_TRUE(inputs() == before) << mode;
+    for (const string& call : cells(traced ? read_file(dir.path("trace")) : "", '\n')) {
+      for (const char* word : {"O_WRONLY", "O_RDWR", "O_CREAT", "O_TRUNC", "unlink", "rename", "trunc", "chmod", "utime", "fallocate", "mknod"}) {
+        EXPECT_TRUE(call.find(word) == string::npos || call.find("\"rows\"") != string::npos) << mode << ": " << call;
+      }
+    }
+  }
+  if (!traced) GTEST_SKIP() << "no strace: compared what the inputs hold, not how they were opened";
+}
+
+TEST_F(Faults, InputsCanLieWhereNothingCanBeWritten) {
+  const string mounted = "exec unshare -m sh -c 'mount --bind . . && mount -o remount,bind,ro . && cd \"$PWD\" && ! touch x && exec \"$@\"' sh ";
+  if (run(mounted + "true").status != 0) GTEST_SKIP() << "no folder could be mounted read-only";
+  for (const char* mode : {"-f small", "-quiet -f large", "-vmdk base,leaf"}) {
+    EXPECT_EQ(shown(mounted + "./udx " + mode).substr(0, 25), "0; details titles a b c d") << mode;
+  }
 }
 
 }  // namespace

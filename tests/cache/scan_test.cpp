@@ -4,13 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <random>
-#include <sstream>
 
 #include "cache/index_dat.h"
-#include "cache/parse_input.h"
 #include "cache/record_signature.h"
 #include "tests/support/case_file.h"
-#include "tests/support/temp_dir.h"
 #include "tools/sample_records.h"
 
 namespace {
@@ -96,25 +93,6 @@ TEST(Scan, RefusedCandidatesCostNoCopies) {
   for (size_t at = 128; at < noise.size(); at += 128)
     std::copy_n("REDR", 4, noise.begin() + static_cast<ptrdiff_t>(at));
   EXPECT_EQ(offsets_in(noise), offsets{});
-}
-
-TEST(Damage, AnyCutLosesOnlyWhatItCuts) {
-  const temp_dir dir;
-  const sample::index_file index = sample::small_index();
-  const byte_vector bytes = index.bytes();
-  for (size_t size = 1; size <= bytes.size(); size += size < 8000 ? 1999 : 1) {  // no record before 8192
-    cmd_opts opts;
-    opts.any_signature = true;
-    opts.input_path = dir.write("index.dat", {bytes.begin(), bytes.begin() + static_cast<ptrdiff_t>(size)});
-    std::ostringstream out;
-    const bool result = parse_input(out, opts);
-    const std::string text = out.str();
-    const auto rows = std::count(text.begin(), text.end(), '\n') - 1;
-    int inside = 0;
-    for (size_t n = 1; n < 9; ++n) inside += index.offset_of(n) <= size;
-    ASSERT_EQ(result, rows > 0) << size;
-    ASSERT_TRUE(rows >= inside && rows <= 9) << size;
-  }
 }
 
 TEST(Damage, FlippedBitsNeverReachPastTheBytes) {

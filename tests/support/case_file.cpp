@@ -32,10 +32,11 @@ std::string source_file(const std::string& name) {
 
 void check_cases(const std::string& cases,
                  const std::function<std::string(const strings& inputs)>& shown) {
-  const size_t slash = cases.find('/');
+  const size_t slash = cases.rfind('/');
+  std::string file = "tests/" + cases.substr(0, slash);
+  if (!file.ends_with(".txt")) file += "/cases.txt";
   int count = 0;
-  for (const std::string& line :
-       cells(source_file("tests/" + cases.substr(0, slash) + "/cases.txt"), '\n')) {
+  for (const std::string& line : cells(source_file(file), '\n')) {
     const size_t arrow = std::min(line.find(" =>"), line.size());
     strings parts = cells(line.substr(0, arrow), '|');
     parts.push_back(line.substr(std::min(arrow + 3, line.size())));

@@ -1,5 +1,6 @@
-// Cases in text files, tests/FOLDER/cases.txt. A line is `kind | input | input => expected`; blanks
-// around each don't count, and \n \t \r \0 \xHH stand for those characters.
+// Cases in text files, tests/FOLDER/cases.txt or another name. A line is
+// `kind | input | input => expected`; blanks around each don't count, and \n \t \r \0 \xHH stand
+// for those characters.
 #pragma once
 
 #include <cstdint>
@@ -18,7 +19,8 @@ std::string unescaped(const std::string& text);
 // What a file of the source tree holds.
 std::string source_file(const std::string& name);
 
-// Expects of each case of "FOLDER/KIND" what stands behind its arrow, and one case at least.
+// Expects of each case of "FOLDER/KIND", or "FOLDER/NAME.txt/KIND", what stands behind its arrow,
+// and one case at least.
 void check_cases(const std::string& cases,
                  const std::function<std::string(const strings& inputs)>& shown);
 

@@ -143,6 +143,7 @@ int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
 }  // namespace
 
 int run(int argc, const char* const* argv) {
+  uni::fill_standard_streams();
   // Their order is that of teardown, backwards: the context is the last to act.
   argument_list args = make_argument_list(argc, argv);
   cmdline_ctx context;

@@ -1,5 +1,8 @@
 #include "uni/console.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
 #include <string>
@@ -29,6 +32,13 @@ void put(std::FILE* stream, const std::string& text) {
 }
 
 }  // namespace
+
+void fill_standard_streams() {
+  for (int fd = STDIN_FILENO; fd <= STDERR_FILENO; ++fd) {
+    // The lowest free number is this one.
+    if (::fcntl(fd, F_GETFD) == -1) ::open("/dev/null", O_RDWR);
+  }
+}
 
 void clear_line() {
   put(stderr, wide_wipe);

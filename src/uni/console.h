@@ -7,6 +7,10 @@
 
 namespace uni {
 
+// Opens /dev/null in place of each standard stream that is closed. A file opened later would take
+// its number, and with it the messages, or the rows, that aren't meant for it.
+void fill_standard_streams();
+
 // Wipes the line: on a terminal by the erase sequence, elsewhere roughly, by blanks.
 void clear_line();
 

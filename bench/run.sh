@@ -21,7 +21,6 @@ cd "$dir"
 make_once() {
   [ -e "$1" ] || { rm -rf new && "${@:2}" && mv new "$1"; }
 }
-cut() { head -c "$2" "$1" >new; }
 make_indexes() {
   "$bin/tools/make_sample" --size 32K one.dat
   mkdir new
@@ -40,10 +39,12 @@ make_empty_disk() {
 }
 
 echo "making the inputs in $dir"
-make_once few-2G.dat "$bin/tools/make_sample" --sparse --size 2G new
-make_once dense-1G.dat "$bin/tools/make_sample" --size 1G new
-for size in 1G 512M 256M; do make_once few-$size.dat cut few-2G.dat $size; done
-for size in 512M 256M 128M; do make_once dense-$size.dat cut dense-1G.dat $size; done
+for size in 256M 512M 1G 2G; do
+  make_once few-$size.dat "$bin/tools/make_sample" --sparse --size $size new
+done
+for size in 128M 256M 512M 1G; do
+  make_once dense-$size.dat "$bin/tools/make_sample" --size $size new
+done
 make_once indexes make_indexes
 make_once others make_others
 make_once full.vmdk make_full_disk

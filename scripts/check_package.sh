@@ -57,6 +57,17 @@ zsh_offers() {
   grep . "$work/offers" | sort -u
 }
 
+# The start folder that zsh hands on, completed and with a blank behind: zsh_folder START
+zsh_folder() {
+  folder=$PWD/completions timeout 30 zsh -f -c 'zmodload zsh/zpty
+    zpty shell zsh -f -i
+    zpty -w shell "fpath=(\$folder \$fpath); autoload -Uz compinit; compinit -D -u
+      udx() { print -r \"<\$2>\" }; PS1=BE\"\"GIN"
+    zpty -r -m shell text "*BEGIN*"
+    zpty -w shell "udx -enumdir $0"$'"'\\t -quiet'"'
+    zpty -r -m shell text "*<*>*"; print -r -- "$text"' "$1" | sed -n 's/.*<\(.*\)>.*/\1/p'
+}
+
 echo "checking the manual page and the completions"
 same "the manual page's list of options" "$(accepted)" "$(documented 'It Fl')"
 same "the manual page's use of options" "$(accepted)" "$(documented '')"
@@ -67,6 +78,7 @@ for offers in bash_offers zsh_offers; do
   $offers 'udx -f examples/i' | grep -qE '^(examples/)?index\.dat$' || fail "$offers no file"
   same "$offers of folders" examples "$($offers 'udx -enumdir ' | grep -E '^(README|examples)')"
 done
+same "zsh's start folder" examples/ "$(zsh_folder exam)"
 # bash takes a colon for the end of a word.
 same "bash_offers of time masks" $'ss.xxxxxx\nss.xxxxxxxxx' \
   "$(bash_offers 'udx -timeformat hh:mm:ss.xxxx')"

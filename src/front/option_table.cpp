@@ -1,5 +1,9 @@
 // The option table, and the loop that treats it.
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "front/arguments.h"
 #include "front/cmd_params.h"

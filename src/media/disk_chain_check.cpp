@@ -1,7 +1,9 @@
 #include "media/disk_chain_check.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
+#include <utility>
 
 #include "media/vmdk_chain.h"
 #include "text/path_text.h"

@@ -1,5 +1,6 @@
 // Runs the cases of cases.txt, which says how they are written.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <utime.h>
 
 #include <map>

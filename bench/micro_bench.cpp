@@ -3,7 +3,6 @@
 
 #include <array>
 #include <cstring>
-#include <ostream>
 
 #include "cache/record_scan.h"
 #include "cache/row_writer.h"

@@ -26,8 +26,11 @@ used=$(
 )
 [ "$used" = "$drawn" ] || { echo "drawn but not used, or the reverse:" >&2; failed=1; }
 diff <(echo "$drawn") <(echo "$used") >&2 || true
-pictured=$(sed -n 's|^<title>\([a-z]*\)&#45;&gt;\([a-z]*\)</title>$|\1 \2|p' docs/architecture.svg | sort)
+pictured=$(sed -n 's|^<title>\([a-z]*\)&#45;&gt;\([a-z]*\)</title>$|\1 \2|p' \
+  docs/architecture.svg | sort)
 while read -r arrow; do
-  grep -qx "$arrow" <<<"$pictured" || { echo "architecture.svg lacks $arrow; run scripts/draw.sh" >&2; failed=1; }
+  grep -qx "$arrow" <<<"$pictured" && continue
+  echo "architecture.svg lacks $arrow; run scripts/draw.sh" >&2
+  failed=1
 done <<<"$drawn"
 exit $failed

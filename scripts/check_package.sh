@@ -3,7 +3,7 @@
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
-need "${compiler[@]}" lintian=lintian mandoc=mandoc man=man-db zsh=zsh gzip=gzip \
+need "${compiler[@]}" lintian=lintian mandoc=mandoc man=man-db zsh=zsh \
   dpkg-shlibdeps=dpkg-dev /usr/share/bash-completion/bash_completion=bash-completion
 
 build=build/package

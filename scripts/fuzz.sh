@@ -32,7 +32,8 @@ fuzz() {
   # The last line of numbers: #EXECUTIONS EVENT cov: EDGES ft: FEATURES corp: INPUTS/SIZE ...
   awk -v target="$1" '/^#[0-9]+.* cov: / { line = $0 } END {
     split(line, word)
-    printf "%-11s %9d executions %6d edges, corpus %s\n", target, substr(word[1], 2), word[4], word[8]
+    printf "%-11s %9d executions %6d edges, corpus %s\n", target, substr(word[1], 2), word[4],
+      word[8]
   }' "$log"
 }
 

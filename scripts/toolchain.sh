@@ -35,5 +35,5 @@ quietly() {
   fi
 }
 
-compiler=(g++=g++ cmake=cmake make=make)
+compiler=(g++=g++ cmake=cmake make=make gzip=gzip)
 gtest=(/usr/include/gtest/gtest.h=libgtest-dev)

@@ -1,5 +1,7 @@
 // Writes a sample index.dat, the same bytes on every run; with a size, a large one, streamed.
-#include <cstdio>
+#include <algorithm>
+#include <cerrno>
+#include <cstdint>
 #include <cstring>
 #include <fstream>
 #include <iostream>

@@ -24,14 +24,14 @@ struct cache_row {
   uint32_t signature = 0;
   uint32_t file_size = 0;
   uint32_t count = 0;
-  uint32_t flags = 0;
+  uint32_t flags = 0;    // nothing reads it
   uint32_t expires = 0;  // DOS pairs, date word low, 0 for none
   uint32_t last_sync = 0;
   uint32_t leak_access = 0;
-  uint8_t kind = 1;                // the input's file kind
+  uint8_t kind = 1;                // the input's file kind; nothing reads it
   uint8_t directory_index = 0xFE;  // row of the directory table
   bool local_time = false;         // the last-mod pair is labelled " local"
-  bool valid = false;
+  bool valid = false;              // nothing reads it
 
   std::string_view url() const { return {texts, url_size}; }
   std::string_view user() const { return {texts + url_size, user_size}; }

@@ -4,6 +4,7 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <utility>
 
 #include "cache/record_signature.h"
 
@@ -66,7 +67,7 @@ bool classify_path(cmd_opts& opts) {
 
 bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size) {
   using namespace index_layout;
-  const uint32_t count = zk::load_le32(bytes + index_layout::directory_count);
+  const uint32_t count = zk::load_le32(bytes + directory_count);
   if (count == 0) return true;
   const uint64_t need = uint64_t{count} * directory_row_size;
   const uint8_t* row = bytes + directory_table;
@@ -100,7 +101,7 @@ bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_
   if (zk::load_le32(begin) != hash_signature) return false;
   std::memcpy(block.fixed.data(), begin, block.fixed.size());
   // The length wraps at 32 bits.
-  const uint32_t length = zk::load_le32(begin + hash_layout::block_count) * block_size;
+  const uint32_t length = zk::load_le32(begin + block_count) * block_size;
   if (size < length) return false;
   const uint8_t* entry = begin + entries;
   if (range_fits(bytes, entry, entry_size, size) == 0) return false;

@@ -1,5 +1,6 @@
 #include "cache/parse_input.h"
 
+#include <cstdint>
 #include <iostream>
 #include <new>
 #include <optional>

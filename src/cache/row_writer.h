@@ -14,9 +14,9 @@
 #include "time/time_format.h"
 #include "time/zk_time.h"
 
-// Serves one run of rows under one set of options. Both are borrowed. Each line is composed in one
-// reused text and handed to the stream whole, which is then flushed. A failing stream isn't looked
-// at.
+// Serves the rows of one input. The stream and the options are borrowed. Each line is composed in
+// one reused text and handed to the stream whole, which is then flushed. A failing stream isn't
+// looked at.
 class row_writer {
  public:
   row_writer(std::ostream& out, const cmd_opts& opts);

@@ -1,10 +1,10 @@
 #include "front/cmd_params.h"
 
-#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <sstream>
 
 #include "front/arguments.h"
 #include "text/zk_number.h"

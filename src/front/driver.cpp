@@ -2,8 +2,10 @@
 
 #include <cstdio>
 #include <iostream>
+#include <locale>
 #include <new>
-#include <optional>
+#include <ostream>
+#include <string>
 
 #include "cache/parse_input.h"
 #include "front/arguments.h"

@@ -1,6 +1,8 @@
 #include "front/filter_text.h"
 
 #include <cstdlib>
+#include <string_view>
+#include <utility>
 
 #include "front/arguments.h"
 #include "text/zk_number.h"

@@ -11,6 +11,8 @@
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
+#include <string_view>
 #include <vector>
 
 #include "text/zk_number.h"

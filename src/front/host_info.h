@@ -1,7 +1,7 @@
 // Where the program runs. No probe reports a failure; each gives its default.
 #pragma once
 
-#include <ostream>
+#include <sstream>
 #include <string>
 
 #include "front/cmd_params.h"

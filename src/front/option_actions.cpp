@@ -1,8 +1,14 @@
 #include "front/option_actions.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
 #include <limits>
+#include <memory>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "front/arguments.h"
 #include "text/path_text.h"

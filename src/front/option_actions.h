@@ -5,7 +5,8 @@
 
 #include "front/cmd_params.h"
 
-// What the output forms have in common: each sets its own flag, clears these and has a separator.
+// What the output forms have in common: each clears these flags, sets its own and has a separator.
+// Deliberate: that of -csvgen is never cleared.
 void clear_output_forms(cmd_params& params);
 
 // Opens the -diags file, writes the command line to it and takes -l2 or -l3. A file that can't be

@@ -1,5 +1,9 @@
 // The option table, and the loop that treats it.
+#include <cstdint>
 #include <cstdio>
+#include <string>
+#include <string_view>
+#include <type_traits>
 
 #include "front/arguments.h"
 #include "front/cmd_params.h"
@@ -21,7 +25,7 @@ enum class kind { flag, value, repeated_value };
 
 struct option {
   const char* name;
-  kind value;
+  kind takes;
   bool (*act)(params& p, list& args, text& value);
   const char* other_name = nullptr;  // looked for where the first gave nothing
 };
@@ -190,7 +194,7 @@ constexpr option options[] = {
 bool take(const option& wanted, argument_list& args, std::string& value) {
   for (const char* name : {wanted.name, wanted.other_name}) {
     if (!name) continue;
-    if (wanted.value == kind::flag ? take_flag(name, args) : take_option(name, value, args)) {
+    if (wanted.takes == kind::flag ? take_flag(name, args) : take_option(name, value, args)) {
       return true;
     }
   }
@@ -218,7 +222,7 @@ bool cmd_params::parse_options(argument_list& args) {
     std::string value;
     while (take(each, args, value)) {
       if (!gate_allows(*this, each) || !each.act(*this, args, value)) return false;
-      if (each.value != kind::repeated_value) break;
+      if (each.takes != kind::repeated_value) break;
     }
   }
   format_masks = zk::derive_format_masks(date_format, time_format, pair_datetime);

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "text/path_text.h"
 #include "text/zk_string.h"

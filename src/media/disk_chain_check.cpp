@@ -1,7 +1,9 @@
 #include "media/disk_chain_check.h"
 
 #include <algorithm>
+#include <exception>
 #include <memory>
+#include <utility>
 
 #include "media/vmdk_chain.h"
 #include "text/path_text.h"
@@ -15,7 +17,7 @@ constexpr const char* no_parent_text =
     "Child VMDK points to a parent VMDK that doesn't exist, aborting\n";
 
 enum class verdict {
-  joined,   // every extent has its parent, or a hint that is in the list
+  joined,   // every extent has its parent, or all ahead of one whose hint is in the list
   extend,   // a parent was found and added to the list
   missing,  // a parent is nowhere
   refused,  // the check ends

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 bool VMDK_CHAIN::add_files(const std::vector<std::wstring>& paths) {
   return std::all_of(paths.begin(), paths.end(), [this](const std::wstring& path) {

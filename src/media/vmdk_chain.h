@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -50,5 +49,5 @@ class VMDK_CHAIN {
   VMDK_EXTENT* m_base = nullptr;                                  // without a parent, borrowed
   bool m_writable = false;
   bool m_valid = false;
-  std::vector<VMDK_EXTENT*> m_order;  // from the base to the leaf, borrowed
+  std::vector<VMDK_EXTENT*> m_order;  // from the base to the leaf, borrowed; nothing reads it
 };

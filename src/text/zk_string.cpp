@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cwctype>
 #include <locale>
+#include <utility>
 
 #include "text/le_bytes.h"
 

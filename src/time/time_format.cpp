@@ -4,6 +4,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
+#include <sstream>
 #include <stdexcept>
 
 #include "text/zk_environment.h"

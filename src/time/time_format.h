@@ -2,9 +2,10 @@
 // fields. No zone arithmetic is done. A time that isn't valid gives two empty texts.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <locale>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <string_view>
 

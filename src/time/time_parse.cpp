@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <istream>
 #include <sstream>
 
 #include "text/zk_number.h"

@@ -53,8 +53,8 @@ class time {
  public:
   uint64_t unix_seconds = 0;  // not to be used before 1970
   uint64_t filetime = 0;
-  uint64_t filetime_copy = 0;
-  dos_pair dos_stamp = {};  // zero outside 1980 to 2037
+  uint64_t filetime_copy = 0;  // nothing reads it
+  dos_pair dos_stamp = {};     // zero outside 1980 to 2037
   _windows_systemtime fields = {};
   bool valid = false;  // the object may be shown; nothing else may be read unless it is
 

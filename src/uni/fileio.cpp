@@ -6,8 +6,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <exception>
 #include <limits>
 #include <new>
+#include <utility>
 
 #include "text/zk_number.h"
 #include "text/zk_string.h"

@@ -21,7 +21,7 @@ inline constexpr int output_buffer_size = 262144;
 
 class fileio {
  public:
-  // What an opened file is for, with the system's flags and creation mode for it.
+  // What an opened file is for.
   enum class access { read, write, write_truncated };
 
   fileio() = default;
@@ -93,13 +93,13 @@ class fileio {
 
   int fd = -1;
   int64_t cached_size = 0;
-  bool writable = false;
+  bool writable = false;  // nothing reads it
   bool opened = false;
-  bool keep_flag = false;
+  bool keep_flag = false;  // nothing reads it
   std::wstring path;
   std::vector<uint8_t> memory;
   bool memory_mode = false;
-  mutable uint64_t memory_pos = 0;
+  mutable uint64_t memory_pos = 0;  // the end of the last access to `memory`; nothing reads it
   std::unique_ptr<std::ostream> attached_output;
 };
 

@@ -1,5 +1,7 @@
 #include "uni/fileio_output.h"
 
+#include <cstdint>
+
 #include "uni/fileio.h"
 
 namespace uni {

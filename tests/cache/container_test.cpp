@@ -7,13 +7,12 @@
 
 namespace {
 
-// clang-format off
-
 using sample::byte_vector;
 using sample::record;
 
 // The directory names that rows with these indexes get from a file of `size` bytes.
-strings attached(byte_vector bytes, size_t size, uint32_t count, const std::vector<uint8_t>& indexes) {
+strings attached(byte_vector bytes, size_t size, uint32_t count,
+                 const std::vector<uint8_t>& indexes) {
   zk::store_le32(&bytes[index_layout::directory_count], count);
   bytes.resize(size);
   bytes.shrink_to_fit();
@@ -49,8 +48,10 @@ TEST(Container, HeaderAndRange) {
   const uint8_t* base = bytes.data();
   EXPECT_EQ(range_fits(base, base + 10, 89, 100), 10u);
   EXPECT_EQ(range_fits(base, base + 10, 90, 100), 0u);  // ends exactly at the end
-  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100) + range_fits(base, base + 10, 0, 0) +
-                range_fits(base, base + 10, 101, 100) + range_fits(nullptr, base, 1, 100), 0u);
+  EXPECT_EQ(range_fits(base, base, 10, 100) + range_fits(base + 1, base, 10, 100) +
+                range_fits(base, base + 10, 0, 0) + range_fits(base, base + 10, 101, 100) +
+                range_fits(nullptr, base, 1, 100),
+            0u);
 }
 
 TEST(Container, KindFromThePath) {
@@ -65,7 +66,8 @@ TEST(Container, KindFromThePath) {
 
 TEST(Container, DirectoriesThatFit) {
   const byte_vector bytes = sample::header_bytes({"AAAAAAAA", "OLD1"}, 0);
-  EXPECT_EQ(attached(bytes, 4096, 2, {0, 1, 2, 0xFE}), (strings{"AAAAAAAA", std::string("OLD1\0\0\0\0", 8), "", ""}));
+  EXPECT_EQ(attached(bytes, 4096, 2, {0, 1, 2, 0xFE}),
+            (strings{"AAAAAAAA", std::string("OLD1\0\0\0\0", 8), "", ""}));
   EXPECT_EQ(attached(bytes, 4096, 0, {0}), strings{""});
   EXPECT_EQ(attached(bytes, 0x50 + 24, 2, {0}), strings{""});  // ends exactly at the end
   EXPECT_EQ(attached(bytes, 0x50 + 25, 2, {0}), strings{"AAAAAAAA"});
@@ -91,7 +93,8 @@ TEST(HashBlock, ListsRecordsByTheirSignature) {
   for (const size_t from_end : {0u, 1u, 3u, 4u, 200000u}) {  // three bytes hold no signature
     byte_vector pointed = bytes;
     std::copy_n("REDR", 4, pointed.end() - 4);
-    zk::store_le32(&pointed[0x1000 + hash_layout::entries + 4], static_cast<uint32_t>(pointed.size() - from_end));
+    zk::store_le32(&pointed[0x1000 + hash_layout::entries + 4],
+                   static_cast<uint32_t>(pointed.size() - from_end));
     EXPECT_EQ(read_block(pointed).entries.size(), from_end == 4 ? 4u : 3u) << from_end;
   }
   byte_vector endless = bytes;  // without a stop entry the list goes on to the end of the file
@@ -106,8 +109,12 @@ TEST(HashBlock, Refusals) {
   for (const uint64_t at : {uint64_t{0x1080}, bytes.size() - 23, ~uint64_t{0}})
     EXPECT_FALSE(read_block(bytes, at).parsed);
   EXPECT_FALSE(read_block({}, 0).parsed || read_block(last, bytes.size() - 24).parsed);
-  struct count_case { uint64_t blocks; bool read; };
-  for (const auto& c : std::vector<count_case>{{bytes.size() / 128, true}, {bytes.size() / 128 + 1, false},
+  struct count_case {
+    uint64_t blocks;
+    bool read;
+  };
+  for (const auto& c : std::vector<count_case>{{bytes.size() / 128, true},
+                                               {bytes.size() / 128 + 1, false},
                                                {0x02000001, true}}) {  // wraps to 128 bytes
     zk::store_le32(&counted[0x1004], static_cast<uint32_t>(c.blocks));
     EXPECT_EQ(read_block(counted).parsed, c.read) << c.blocks;

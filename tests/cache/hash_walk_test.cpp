@@ -11,8 +11,6 @@ namespace {
 using sample::byte_vector;
 using sample::record;
 
-// clang-format off
-
 TEST(HashWalk, ChainGapsAndCircles) {
   sample::index_file index;
   index.directories({"DIR1"}).add(record::url("a")).add(record::redr("b"));
@@ -23,7 +21,8 @@ TEST(HashWalk, ChainGapsAndCircles) {
   bytes.resize(end + 2 * block_size + 0x8000);
   const uint32_t second = end + 2 * block_size, third = second + 0x1000;
   std::copy(in_gap.begin(), in_gap.end(), bytes.begin() + end + block_size);
-  const byte_vector block = sample::hash_block_bytes({third, index.offset_of(0)}, 0x1000);  // and back to the first
+  const byte_vector block =
+      sample::hash_block_bytes({third, index.offset_of(0)}, 0x1000);  // and back to the first
   std::copy(block.begin(), block.end(), bytes.begin() + second);
   std::copy(last.begin(), last.end(), bytes.begin() + third);
   zk::store_le32(&bytes[0x1000 + hash_layout::next], second);
@@ -43,11 +42,16 @@ TEST(HashWalk, ChainGapsAndCircles) {
 }
 
 TEST(HashWalk, ARecordInAGap) {
-  // Known records early in the file, and one between them whose offset is less than half the next's.
+  // Known records early in the file, and one between them whose offset is less than half the
+  // next's.
   byte_vector bytes = sample::header_bytes({}, 0);
   bytes.resize(0x3000);
-  const auto place = [&](const record& made, uint32_t at) { const byte_vector b = made.bytes(); std::copy(b.begin(), b.end(), bytes.begin() + at); };
-  place(record::redr("first"), 0x100), place(record::redr("gap"), 0x200), place(record::url("gap"), 0x300), place(record::redr("next"), 0x1F00);
+  const auto place = [&](const record& made, uint32_t at) {
+    const byte_vector b = made.bytes();
+    std::copy(b.begin(), b.end(), bytes.begin() + at);
+  };
+  place(record::redr("first"), 0x100), place(record::redr("gap"), 0x200),
+      place(record::url("gap"), 0x300), place(record::redr("next"), 0x1F00);
   const byte_vector block = sample::hash_block_bytes({0x100, 0x1F00}, 0);
   zk::store_le32(&bytes[index_layout::first_hash], 0x2000);
   std::copy(block.begin(), block.end(), bytes.begin() + 0x2000);

@@ -15,15 +15,21 @@
 
 namespace {
 
-// clang-format off
-
 using sample::byte_vector;
 using sample::record;
 using std::string;
-using blocks = std::vector<std::pair<uint64_t, uint64_t>>;  // what the search is given, each to its end
+using blocks =
+    std::vector<std::pair<uint64_t, uint64_t>>;  // what the search is given, each to its end
 
-struct placed { uint64_t at; string type, times, size, count; };  // a signature, and cells as they must be printed
-struct moment { string cells; uint64_t filetime; uint32_t dos; };
+struct placed {
+  uint64_t at;
+  string type, times, size, count;
+};  // a signature, and cells as they must be printed
+struct moment {
+  string cells;
+  uint64_t filetime;
+  uint32_t dos;
+};
 
 string trimmed(const string& text) {
   const size_t first = std::min(text.find_first_not_of(" \t\r\n"), text.size());
@@ -32,7 +38,8 @@ string trimmed(const string& text) {
 string cleaned(string text, char comma) {
   std::replace(text.begin(), text.end(), ',', comma);
   text = trimmed(text);
-  if (comma == ';') for (char& c : text) c = c == '\r' ? ' ' : c == '\n' ? ';' : c;
+  if (comma == ';')
+    for (char& c : text) c = c == '\r' ? ' ' : c == '\n' ? ';' : c;
   return text;
 }
 
@@ -46,7 +53,10 @@ struct index_model {
 
   uint32_t pick(uint64_t n) { return static_cast<uint32_t>(random() % n); }
   bool once_in(uint32_t n) { return pick(n) == 0; }
-  template <class Value> Value one_of(std::initializer_list<Value> values) { return values.begin()[pick(values.size())]; }
+  template <class Value>
+  Value one_of(std::initializer_list<Value> values) {
+    return values.begin()[pick(values.size())];
+  }
   string next_text(uint32_t most) {
     static constexpr char letters[] = "abcdefghijklmnopqrstuvwxyz/.:?=&% ,\n\r\x80";  // and a NUL
     string text(pick(most) + 1, ' ');
@@ -58,29 +68,47 @@ struct index_model {
     const uint32_t kind = pick(4);
     if (kind < 2) return {",", kind * 0xDEADBEEFDEADBEEF, kind * 0x1234BEEF};
     int f[6], i = 0;
-    for (const auto& [first, count] : {std::pair{2001, 30u}, {1, 12u}, {1, 28u}, {0, 24u}, {0, 60u}, {0, 30u}}) f[i++] = first + static_cast<int>(pick(count));
+    for (const auto& [first, count] :
+         {std::pair{2001, 30u}, {1, 12u}, {1, 28u}, {0, 24u}, {0, 60u}, {0, 30u}})
+      f[i++] = first + static_cast<int>(pick(count));
     char text[99];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d,%02d:%02d:%02d.000 UTC", f[0], f[1], f[2], f[3], f[4], f[5] *= 2);
-    return {text, sample::filetime_of(f[0], f[1], f[2], f[3], f[4], f[5]), sample::dos_of(f[0], f[1], f[2], f[3], f[4], f[5])};
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d,%02d:%02d:%02d.000 UTC", f[0], f[1], f[2],
+                  f[3], f[4], f[5] *= 2);
+    return {text, sample::filetime_of(f[0], f[1], f[2], f[3], f[4], f[5]),
+            sample::dos_of(f[0], f[1], f[2], f[3], f[4], f[5])};
   }
 
   // A random record, in some of whose fields stands what its maker didn't mean.
   byte_vector next_record(placed& made) {
     const string url = next_text(once_in(20) ? 1200 : 150);
     made = {0, one_of({"URL ", "URL ", "URL ", "LEAK", "REDR"}), ",,,,,,,", "0", "0"};
-    record built = made.type == "REDR" ? record::redr(url) : record::url(url).put_text(0, made.type);
+    record built =
+        made.type == "REDR" ? record::redr(url) : record::url(url).put_text(0, made.type);
     if (made.type != "REDR") {
-      const moment modified = next_moment(), access = next_moment(), expires = next_moment(), synced = next_moment(), leaked = next_moment();
+      const moment modified = next_moment(), access = next_moment(), expires = next_moment(),
+                   synced = next_moment(), leaked = next_moment();
       const bool stands_in = access.cells == "," && made.type == "LEAK";
-      made.times = modified.cells + "," + (stands_in ? leaked : access).cells + "," + expires.cells + "," + synced.cells;
+      made.times = modified.cells + "," + (stands_in ? leaked : access).cells + "," +
+                   expires.cells + "," + synced.cells;
       const uint32_t size = pick(1ULL << 32), count = once_in(4) ? 0xDEADBEEF : pick(1000);
-      made.size = std::to_string(size), made.count = std::to_string(count == 0xDEADBEEF ? 0 : count);
-      built.last_mod(modified.filetime).access(access.filetime).expires(expires.dos).last_sync(synced.dos).leak_access(leaked.dos)
-          .file_size(size).count(count).directory(static_cast<uint8_t>(pick(6)));
+      made.size = std::to_string(size),
+      made.count = std::to_string(count == 0xDEADBEEF ? 0 : count);
+      built.last_mod(modified.filetime)
+          .access(access.filetime)
+          .expires(expires.dos)
+          .last_sync(synced.dos)
+          .leak_access(leaked.dos)
+          .file_size(size)
+          .count(count)
+          .directory(static_cast<uint8_t>(pick(6)));
       if (!once_in(4)) built.filename(next_text(40));
-      if (!once_in(4)) built.header(one_of({"", "HTTP/1.1 200 OK\r\nETag: a,b\r\n\r\n", " \x7F\x80 x \r\n"}), one_of({"", "alice", " b,c\n "}));
+      if (!once_in(4))
+        built.header(one_of({"", "HTTP/1.1 200 OK\r\nETag: a,b\r\n\r\n", " \x7F\x80 x \r\n"}),
+                     one_of({"", "alice", " b,c\n "}));
       const auto room = static_cast<uint32_t>(built.bytes().size());
-      const auto spoil = [&](uint32_t at, std::initializer_list<uint32_t> values) { if (once_in(12)) built.put32(at, one_of(values)); };
+      const auto spoil = [&](uint32_t at, std::initializer_list<uint32_t> values) {
+        if (once_in(12)) built.put32(at, one_of(values));
+      };
       spoil(0x34, {0, 120, room - 1, room, room + 1, 0x7FFFFFFF});
       spoil(0x3C, {0, room - 1, room, room + 1, 0x7FFFFFFF});
       spoil(0x44, {0, 104, room - 1, room, room + 1, 0x7FFFFFFF});
@@ -97,8 +125,11 @@ struct index_model {
     while (at < end) {
       const uint64_t inner = records.empty() ? at : records.back().at + 128;
       const byte_vector added = next_record(records.emplace_back());
-      uint64_t& place = records.back().at = at + (!once_in(15) ? 0 : skew != 0 ? skew : 4 + pick(120));
-      if (inner < at && at - inner < 2000 && once_in(6)) place = inner + pick((at - inner) / 128 + 1) * 128;
+      uint64_t& place = records.back().at = at + (!once_in(15) ? 0
+                                                  : skew != 0  ? skew
+                                                               : 4 + pick(120));
+      if (inner < at && at - inner < 2000 && once_in(6))
+        place = inner + pick((at - inner) / 128 + 1) * 128;
       bytes.resize(std::max(bytes.size(), place + added.size()));
       std::copy(added.begin(), added.end(), bytes.begin() + static_cast<ptrdiff_t>(place));
       bytes.resize(at = (bytes.size() + 127) / 128 * 128);
@@ -108,14 +139,17 @@ struct index_model {
   // An index, or records from the very first block on.
   void fill_index(uint64_t end) {
     if (once_in(5)) return fill(0, end);
-    for (uint32_t i = pick(6); i > 0; --i) directories.push_back(string(1 + pick(8), static_cast<char>('A' + i)));
+    for (uint32_t i = pick(6); i > 0; --i)
+      directories.push_back(string(1 + pick(8), static_cast<char>('A' + i)));
     bytes = sample::header_bytes(directories, end);
     fill(8192, end);
   }
 
-  // The row of a record of which `limit` bytes can be read and `room` are its own; none if it must be refused.
+  // The row of a record of which `limit` bytes can be read and `room` are its own; none if it must
+  // be refused.
   string row(const placed& p, uint64_t room, uint64_t limit, bool named) const {
-    const string all(bytes.begin() + static_cast<ptrdiff_t>(p.at), bytes.begin() + static_cast<ptrdiff_t>(p.at + limit));
+    const string all(bytes.begin() + static_cast<ptrdiff_t>(p.at),
+                     bytes.begin() + static_cast<ptrdiff_t>(p.at + limit));
     const auto text = [&](uint64_t from) { return all.substr(from, all.find('\0', from) - from); };
     const auto field = [&](uint32_t from) { return uint64_t{zk::load_le32(&bytes[p.at + from])}; };
     string url, name, header, user, directory, times = p.times;
@@ -145,7 +179,8 @@ struct index_model {
     if (named && index < directories.size()) (directory = directories[index]).resize(8);
     const bool local = history || (url.size() > 19 && url[0] == ':' && url.substr(17, 2) == "; ");
     if (local && times[0] != ',') times.replace(24, 3, "local");
-    return times + "," + p.type + "," + url + "," + user + "," + name + "," + p.size + "," + directory + "," + p.count + "," + header + ",";
+    return times + "," + p.type + "," + url + "," + user + "," + name + "," + p.size + "," +
+           directory + "," + p.count + "," + header + ",";
   }
 
   // Expects all rows. The first block in which a record is accepted decides what becomes of it.
@@ -154,9 +189,13 @@ struct index_model {
     for (const auto& [begin, end] : given) {
       for (auto p = records.begin(); p != records.end() && p->at + 4 < end; ++p) {
         if (p->at <= begin || (p->at - begin) % 128 != 0) continue;
-        const auto next = std::find_if(p + 1, records.end(), [&](const placed& q) { return (q.at - p->at) % 128 == 0; });
-        const uint64_t limit = end - p->at, room = next != records.end() && next->at + 4 < end ? next->at - p->at : limit;
-        if (const string made = row(*p, room, limit, named); !made.empty()) found.try_emplace(p->at, made + source + "\n");
+        const auto next = std::find_if(p + 1, records.end(),
+                                       [&](const placed& q) { return (q.at - p->at) % 128 == 0; });
+        const uint64_t limit = end - p->at, room = next != records.end() && next->at + 4 < end
+                                                       ? next->at - p->at
+                                                       : limit;
+        if (const string made = row(*p, room, limit, named); !made.empty())
+          found.try_emplace(p->at, made + source + "\n");
       }
     }
     string expected;
@@ -171,7 +210,8 @@ struct index_model {
   }
 };
 
-void for_seeds(uint32_t first, uint32_t count, const std::function<void(index_model&, cmd_opts&, const temp_dir&)>& run) {
+void for_seeds(uint32_t first, uint32_t count,
+               const std::function<void(index_model&, cmd_opts&, const temp_dir&)>& run) {
   const temp_dir dir;
   for (uint32_t seed = first; seed < first + count && !testing::Test::HasFailure(); ++seed) {
     SCOPED_TRACE(seed);
@@ -195,15 +235,20 @@ TEST(RandomIndexes, ReadAsALargeFile) {
   for_seeds(1000, 40, [](index_model& model, cmd_opts& opts, const temp_dir& dir) {
     model.fill_index(150000);
     opts.input_path = dir.write("f", model.bytes);
-    const uint64_t size = largest_whole_file + 1 + model.pick(70000), tail = (size - 3000 - model.pick(6000)) / 128 * 128;
+    const uint64_t size = largest_whole_file + 1 + model.pick(70000),
+                   tail = (size - 3000 - model.pick(6000)) / 128 * 128;
     model.skew = size % 128;  // where the last block has its own grid
     model.fill(tail, size);
     model.bytes.resize(size);
     std::filesystem::resize_file(opts.input_path, tail);
-    std::ofstream(opts.input_path, std::ios::binary | std::ios::app).write(reinterpret_cast<const char*>(&model.bytes[tail]), static_cast<std::streamsize>(size - tail));
+    std::ofstream(opts.input_path, std::ios::binary | std::ios::app)
+        .write(reinterpret_cast<const char*>(&model.bytes[tail]),
+               static_cast<std::streamsize>(size - tail));
     blocks given = {{0, 32768}};
-    while (given.back().second < size) given.emplace_back(given.back().first + 28672, std::min(size, given.back().second + 28672));
-    if (size - given.back().first > 4096) given.emplace_back(size - 4096, size);  // its end once more
+    while (given.back().second < size)
+      given.emplace_back(given.back().first + 28672, std::min(size, given.back().second + 28672));
+    if (size - given.back().first > 4096)
+      given.emplace_back(size - 4096, size);  // its end once more
     model.check(opts, given, opts.input_path);
   });
 }
@@ -212,19 +257,22 @@ TEST(RandomIndexes, ReadFromADisk) {
   for_seeds(2000, 60, [](index_model& model, cmd_opts& opts, const temp_dir& dir) {
     model.fill_index(300000);
     model.bytes.resize(458752);  // the disk's size
-    vmdk_builder base{vmdk_builder::keys("b", "ffffffff"), {}, 1}, leaf{vmdk_builder::keys("l", "b"), {}, 1};
+    vmdk_builder base{vmdk_builder::keys("b", "ffffffff"), {}, 1},
+        leaf{vmdk_builder::keys("l", "b"), {}, 1};
     for (uint32_t n = 0; n < 112; ++n) {
       const byte_vector grain(model.bytes.begin() + n * 4096, model.bytes.begin() + (n + 1) * 4096);
       const bool hole = std::count(grain.begin(), grain.end(), 0) == 4096, newer = model.once_in(2);
       if (newer) leaf.grains[n] = grain;
-      if (newer && model.once_in(2)) base.grains[n] = leaf.grains.begin()->second;  // what must not be seen
+      if (newer && model.once_in(2))
+        base.grains[n] = leaf.grains.begin()->second;  // what must not be seen
       if (!newer && !hole) base.grains[n] = grain;
     }
     model.bytes.resize(495616);  // beyond its end the last read finds zeros
     const string newest = dir.write("leaf", leaf.bytes()), oldest = dir.write("base", base.bytes());
     opts.vmdk_paths = {zk::utf8_to_wide(newest), zk::utf8_to_wide(oldest)};
     blocks given;
-    for (uint64_t begin = 0; begin < 458752; begin += 61440) given.emplace_back(begin, begin + 65536);
+    for (uint64_t begin = 0; begin < 458752; begin += 61440)
+      given.emplace_back(begin, begin + 65536);
     model.check(opts, given, newest + "; " + oldest);
   });
 }

@@ -9,8 +9,6 @@
 
 namespace {
 
-// clang-format off
-
 using namespace url_layout;
 using sample::byte_vector;
 using sample::record;
@@ -43,7 +41,9 @@ byte_vector cut(byte_vector bytes, size_t size) {
 }
 
 // A record of three blocks with a URL at 104 and its string area, 280 bytes, filled with dots.
-record roomy() { return record::url("u").put_text(106, std::string(278, '.')); }
+record roomy() {
+  return record::url("u").put_text(106, std::string(278, '.'));
+}
 
 const byte_vector neighbour = record::redr("next").bytes();
 
@@ -54,7 +54,8 @@ TEST(UrlRecord, NeedsItsFixedPartAndSignature) {
   EXPECT_TRUE(!bare.accepted && bare.record.valid && decode(leak).accepted);
   const byte_vector moved = byte_vector(24, 'x') + leak;
   EXPECT_EQ(decode(moved, 24).record.offset, 24u);
-  for (const uint64_t at : {uint64_t{25}, uint64_t{129}, ~uint64_t{0}}) EXPECT_FALSE(decode(moved, at).accepted);
+  for (const uint64_t at : {uint64_t{25}, uint64_t{129}, ~uint64_t{0}})
+    EXPECT_FALSE(decode(moved, at).accepted);
   url_record none;
   EXPECT_FALSE(decode_url_record(none, nullptr, 0, 200, 1));
   for (const char* signature : {"URL_", "url ", "REDR", "HASH"}) {
@@ -68,7 +69,9 @@ TEST(UrlRecord, UrlOffsetAndCut) {
     return joined(d.accepted, d.record.url.size());
   });
   check_cases("cache/url_cut", [](const strings& c) {  // 24 bytes to the next record or to the end
-    const record made = record::url(std::string(number(c[0]), 'u')).put32(header_offset, 104).put32(header_length, 4);
+    const record made = record::url(std::string(number(c[0]), 'u'))
+                            .put32(header_offset, 104)
+                            .put32(header_length, 4);
     const byte_vector bytes = cut(made.bytes(), 128);
     const decoded d = decode(c[1] == "true" ? bytes + neighbour : bytes);
     EXPECT_TRUE(d.accepted);
@@ -77,13 +80,17 @@ TEST(UrlRecord, UrlOffsetAndCut) {
 }
 
 TEST(UrlRecord, TheNextRecordEndsTheRoom) {
-  const record made = record::url("u").put32(block_count, 0x41424344).put32(header_offset, 4).put32(header_length, 4);
-  const decoded alone = decode(made.bytes() + byte_vector(128, 0)), followed = decode(made.bytes() + neighbour);
+  const record made = record::url("u")
+                          .put32(block_count, 0x41424344)
+                          .put32(header_offset, 4)
+                          .put32(header_length, 4);
+  const decoded alone = decode(made.bytes() + byte_vector(128, 0)),
+                followed = decode(made.bytes() + neighbour);
   EXPECT_EQ(zk::load_le32(&alone.bytes[4]), 0x41424344u);
   EXPECT_EQ(alone.record.http_header, "DCBA");
   EXPECT_EQ(zk::load_le32(&followed.bytes[4]), 1u);
   EXPECT_EQ(followed.record.block_count(), 0x41424344u);  // the record keeps the file's own
-  EXPECT_EQ(followed.record.http_header, "");  // the corrected count, 1, isn't printable
+  EXPECT_EQ(followed.record.http_header, "");             // the corrected count, 1, isn't printable
 }
 
 TEST(UrlRecord, FileNameRunsOnToItsNul) {
@@ -91,20 +98,24 @@ TEST(UrlRecord, FileNameRunsOnToItsNul) {
     record made = record::url("u").put_text(120, std::string("name\0\0\0 ", 8));
     return decode(made.put32(filename_offset, number32(c[0])).bytes() + neighbour).record.filename;
   });
-  const record open = record::leak().put32(filename_offset, 126).put_text(104, std::string(24, 'f'));
-  EXPECT_EQ(decode(open.bytes()).record.filename, "ff");  // without a NUL it ends where the bytes do
+  const record open =
+      record::leak().put32(filename_offset, 126).put_text(104, std::string(24, 'f'));
+  EXPECT_EQ(decode(open.bytes()).record.filename,
+            "ff");  // without a NUL it ends where the bytes do
 }
 
 TEST(UrlRecord, HeaderSpanTextUserAndCleaning) {
   const auto with_header = [](record made, const std::string& start, const std::string& length) {
-    return decode(made.put32(header_offset, number32(start)).put32(header_length, number32(length)).bytes());
+    return decode(
+        made.put32(header_offset, number32(start)).put32(header_length, number32(length)).bytes());
   };
   check_cases("cache/header_span", [&](const strings& c) {
     const record made = roomy().put8(105, '.').put8(103, '.').put32(url_offset, 383);
     const decoded d = with_header(made, c[0], c[1]);
     return joined(d.accepted, d.record.http_header.size());
   });
-  EXPECT_FALSE(decode(cut(record::url("u").put32(url_offset, 96).bytes(), 104)).accepted);  // an empty area
+  EXPECT_FALSE(
+      decode(cut(record::url("u").put32(url_offset, 96).bytes(), 104)).accepted);  // an empty area
   check_cases("cache/header_text", [&](const strings& c) {
     const decoded d = with_header(roomy().put_text(130, c[0]), "130", std::to_string(c[0].size()));
     EXPECT_TRUE(d.accepted);
@@ -112,16 +123,19 @@ TEST(UrlRecord, HeaderSpanTextUserAndCleaning) {
   });
   const decoded d = decode(record::url("\t a,b\rc\nd \r\n").filename(" x,\ny ").bytes());
   EXPECT_EQ(d.record.url + "|" + d.record.filename, "a;b c;d|x;;y");
-  const decoded leak = decode(record::url("u").filename("f").header("h", "u").put_text(0, "LEAK").bytes());
+  const decoded leak =
+      decode(record::url("u").filename("f").header("h", "u").put_text(0, "LEAK").bytes());
   EXPECT_TRUE(leak.accepted);
-  EXPECT_EQ(leak.record.filename + leak.record.url + leak.record.user + leak.record.http_header, "f");
+  EXPECT_EQ(leak.record.filename + leak.record.url + leak.record.user + leak.record.http_header,
+            "f");
 }
 
 TEST(RedrRecord, LimitAndCleaning) {
   redr_record used;
   const auto redr = [&](byte_vector bytes, uint64_t offset = 0) -> std::string {
     bytes.shrink_to_fit();
-    const bool accepted = decode_redr_record(used, bytes.data(), offset, static_cast<uint32_t>(bytes.size()));
+    const bool accepted =
+        decode_redr_record(used, bytes.data(), offset, static_cast<uint32_t>(bytes.size()));
     EXPECT_EQ(accepted, used.valid);
     EXPECT_EQ(used.offset, accepted ? offset : 0);
     return accepted ? used.url : "refused" + used.url;

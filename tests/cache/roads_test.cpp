@@ -10,8 +10,6 @@
 
 namespace {
 
-// clang-format off
-
 using sample::record;
 
 constexpr uint64_t limit = 0x1000000;
@@ -60,7 +58,8 @@ TEST(ParseInput, HeaderLineSignatureAndForms) {
   EXPECT_EQ(parsed(opts, dir.write("empty", "")).out, "");
   EXPECT_TRUE(opts.header_pending);
   opts.carve_columns = true;
-  EXPECT_TRUE(parsed(opts, good).out.ends_with("\n1,0x00002000,,,,,,,,,REDR,r,,,0,,0,," + good + "\n"));
+  EXPECT_TRUE(
+      parsed(opts, good).out.ends_with("\n1,0x00002000,,,,,,,,,REDR,r,,,0,,0,," + good + "\n"));
   opts.header_pending = true;
   opts.write_header = false;
   EXPECT_EQ(parsed(opts, good).out, "\n");

@@ -10,8 +10,6 @@
 
 namespace {
 
-// clang-format off
-
 using sample::dos_of;
 using sample::filetime_of;
 using sample::record;
@@ -36,17 +34,27 @@ std::string line_of(const record& made, const cmd_opts& opts) {
 }
 
 TEST(Row, UnsetColumns) {
-  EXPECT_EQ(line_of(record::redr("http://b/"), options_for("/MSHist/i")), ",,,,,,,,REDR,http://b/,,,0,,0,,/MSHist/i\n");
+  EXPECT_EQ(line_of(record::redr("http://b/"), options_for("/MSHist/i")),
+            ",,,,,,,,REDR,http://b/,,,0,,0,,/MSHist/i\n");
   const std::string empty = line_of(record::url("u"), options_for("p"));
   EXPECT_EQ(empty, ",,,,,,,,URL ,u,,,0,,0,u,p\n");
   EXPECT_EQ(line_of(record::url("u").file_size(0xFFFFFFFF).directory(2), options_for("p")),
             ",,,,,,,,URL ,u,,,4294967295,,0,u,p\n");
-  EXPECT_EQ(line_of(record::url("u").last_mod(unset).access(unset).expires(0xBEEF).last_sync(0xDEADBEEF)
-                        .count(0xDEADBEEF), options_for("p")), empty);
+  EXPECT_EQ(line_of(record::url("u")
+                        .last_mod(unset)
+                        .access(unset)
+                        .expires(0xBEEF)
+                        .last_sync(0xDEADBEEF)
+                        .count(0xDEADBEEF),
+                    options_for("p")),
+            empty);
   EXPECT_EQ(line_of(record::url("u").last_mod(1).expires(0xBEEF0000).last_sync(dos_of(2004, 13, 1)),
-                    options_for("p")), empty);  // no times: an impossible one leaves no label either
-  const uint64_t half = (filetime_of(2004, 1, 1) & ~0xFFFFFFFFULL) | 0xDEADBEEF;  // half a fill pattern
-  EXPECT_TRUE(line_of(record::url("u").last_mod(half), options_for("p")).starts_with("2004-01-01,00:0"));
+                    options_for("p")),
+            empty);  // no times: an impossible one leaves no label either
+  const uint64_t half =
+      (filetime_of(2004, 1, 1) & ~0xFFFFFFFFULL) | 0xDEADBEEF;  // half a fill pattern
+  EXPECT_TRUE(
+      line_of(record::url("u").last_mod(half), options_for("p")).starts_with("2004-01-01,00:0"));
   cmd_opts no_time = options_for("p");
   no_time.time_format = "--------";
   EXPECT_EQ(line_of(record::url("u").access(filetime_of(2004, 1, 1)), no_time),
@@ -55,13 +63,19 @@ TEST(Row, UnsetColumns) {
 
 TEST(Row, ALeaksAccessTime) {
   const uint32_t dos = dos_of(2004, 5, 6, 7, 8, 10);
-  struct access_case { record made; const char* access; };
+  struct access_case {
+    record made;
+    const char* access;
+  };
   for (const auto& c : std::vector<access_case>{
            {record::leak().leak_access(dos), "2004-05-06,07:08:10.000 UTC"},
            {record::leak().leak_access(dos).access(unset), "2004-05-06,07:08:10.000 UTC"},
-           {record::leak().leak_access(dos).access(filetime_of(2003, 1, 1)), "2003-01-01,00:00:00.000 UTC"},
-           {record::leak().leak_access(dos).access(1), ","}, {record::leak().leak_access(0xBEEF), ","},
-           {record::leak().leak_access(0x12340000), ","}, {record::leak().leak_access(0x1234BEEF), ","},
+           {record::leak().leak_access(dos).access(filetime_of(2003, 1, 1)),
+            "2003-01-01,00:00:00.000 UTC"},
+           {record::leak().leak_access(dos).access(1), ","},
+           {record::leak().leak_access(0xBEEF), ","},
+           {record::leak().leak_access(0x12340000), ","},
+           {record::leak().leak_access(0x1234BEEF), ","},
            {record::url("u").leak_access(dos), ","}}) {
     const auto found = cells(line_of(c.made, options_for("p")));
     EXPECT_EQ(found[2] + "," + found[3], c.access);

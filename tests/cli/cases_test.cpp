@@ -1,5 +1,6 @@
 // Runs the cases of cases.txt, which says how they are written.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <utime.h>
 
 #include <map>
@@ -10,8 +11,6 @@
 #include "tools/sample_records.h"
 
 namespace {
-
-// clang-format off
 
 using std::string;
 
@@ -31,7 +30,8 @@ void fill(const temp_dir& dir) {
   chmod(dir.path("index.dat").c_str(), 0400);
   write_index(dir, "one.dat", 1000000000);
   write_index(dir, "two.dat", 1600000000);
-  for (const char* name : {"MSHist/index.dat", "a/index.dat", "a/b/deep.dat"}) write_index(dir, name);
+  for (const char* name : {"MSHist/index.dat", "a/index.dat", "a/b/deep.dat"})
+    write_index(dir, name);
   std::filesystem::resize_file(write_index(dir, "large"), 0x1000001);
   std::filesystem::create_directory_symlink(dir.path("a/b"), dir.path("a/link"));
   dir.write("noise", string(9000, '?'));
@@ -57,7 +57,8 @@ string variable(const temp_dir& dir, const string& name) {
   }
   if (key == "dir") return dir.path();
   if (key == "udx") return UDX_PROGRAM;
-  return key == "help" ? source_file("tests/cli/help.txt") : wide_wipe;  // {wipe}, and {end}, the run's own
+  return key == "help" ? source_file("tests/cli/help.txt")
+                       : wide_wipe;  // {wipe}, and {end}, the run's own
 }
 
 string expanded(const temp_dir& dir, string text) {
@@ -118,7 +119,8 @@ void run_case(const std::vector<std::pair<string, string>>& lines) {
   EXPECT_FALSE(expected.contains("gone") && std::filesystem::exists(dir.path(expected["gone"])));
   if (const string file = expected["file"]; !file.empty()) {
     const size_t blank = std::min(file.find(' '), file.size());
-    expect(read_file(dir.path(file.substr(0, blank))), file.substr(std::min(blank + 1, file.size())));
+    expect(read_file(dir.path(file.substr(0, blank))),
+           file.substr(std::min(blank + 1, file.size())));
   }
   // An input stays as it was, and the example as the sample maker writes it.
   EXPECT_EQ(read_file(dir.path("index.dat")), source_file("examples/index.dat"));

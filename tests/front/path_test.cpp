@@ -14,8 +14,6 @@
 
 namespace {
 
-// clang-format off
-
 using std::string;
 
 filter_list compiled(const string& text) {
@@ -36,7 +34,8 @@ bool takes(const filter_list& filters, const string& path, const cmd_params& spa
 }
 
 // The paths of a walk below `root`, each with a comma behind it.
-strings walked(const string& root, const string& folder, uint32_t depth, const filter_list& filters = {}) {
+strings walked(const string& root, const string& folder, uint32_t depth,
+               const filter_list& filters = {}) {
   zkportdir::stdin_stream_ex stream;
   strings paths;
   if (!stream.open_walk(folder, depth, filters)) return {"refused"};
@@ -60,14 +59,16 @@ TEST(Filter, WhichPathsAreTaken) {
   check_cases("front/filter", [](const strings& c) { return joined(takes(compiled(c[0]), c[1])); });
   EXPECT_TRUE(takes({}, "bad\xFF"));  // without a filter every path is taken
   const filter_list two = compiled("one, *two*:s*");
-  EXPECT_TRUE(two.size() == 2 && two[1].raw_text == L"*two*:s*" && two[1].stream_text == L"s" && two[1].has_stream &&
-              two[1].stream_star_back && !two[1].stream_star_front && compiled("a:*")[0].stream_all);
+  EXPECT_TRUE(two.size() == 2 && two[1].raw_text == L"*two*:s*" && two[1].stream_text == L"s" &&
+              two[1].has_stream && two[1].stream_star_back && !two[1].stream_star_front &&
+              compiled("a:*")[0].stream_all);
   filter_list filters;
   argument_list args = {"-filter_path", "P", "-filter_path", "QQ"};
   add_filter(filters, args, "a,b");
   EXPECT_EQ(filters[1].path_text, L"p");
   add_filter(filters, args, "c");
-  EXPECT_TRUE(filters.size() == 3 && filters[0].path_text == L"qq" && filters[2].path_text_len == 2);
+  EXPECT_TRUE(filters.size() == 3 && filters[0].path_text == L"qq" &&
+              filters[2].path_text_len == 2);
 }
 
 TEST(Filter, Signatures) {
@@ -78,7 +79,8 @@ TEST(Filter, Signatures) {
   });
   EXPECT_EQ(signature("30 xy")[0].sig_bytes, (std::vector<uint8_t>{0x30, 0}));
   bool unreadable = false;
-  EXPECT_FALSE(filter_match_wide(cmd_params(), unreadable, L"/nowhere", signature("30"), nullptr) || !unreadable);
+  EXPECT_FALSE(filter_match_wide(cmd_params(), unreadable, L"/nowhere", signature("30"), nullptr) ||
+               !unreadable);
 }
 
 TEST(Filter, TimeSpan) {
@@ -102,7 +104,8 @@ TEST(Walk, DepthOrderFiltersAndWildFolders) {
   std::filesystem::create_directory_symlink(root + "a", root + "link");
   std::filesystem::create_directory(root + "empty");
   const auto shown = [&](const strings& c) {
-    strings paths = walked(root, root + c[0], number32(c[1]), c[2].empty() ? filter_list() : compiled(c[2]));
+    strings paths =
+        walked(root, root + c[0], number32(c[1]), c[2].empty() ? filter_list() : compiled(c[2]));
     std::sort(paths.begin(), paths.end());
     return std::accumulate(paths.begin(), paths.end(), string());
   };

@@ -1,14 +1,14 @@
 // A folder that goes with its test, and files in it.
 #pragma once
 
-#include <sys/stat.h>
-
 #include <cstdint>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <vector>
 
 class temp_dir {

@@ -11,14 +11,15 @@
 
 namespace {
 
-// clang-format off
-
 using std::string;
 using std::wstring;
 
 TEST(Text, Cases) {
-  for (const auto& [name, value] : {std::pair{"UDX_A", "1%UDX_B%"}, {"UDX_B", "2"}, {"UDX_EMPTY", ""},
-                                    {"UDX_SELF", "%UDX_SELF%"}, {"UDX_GROWS", "%UDX_GROWS%%UDX_GROWS%"}}) {
+  for (const auto& [name, value] : {std::pair{"UDX_A", "1%UDX_B%"},
+                                    {"UDX_B", "2"},
+                                    {"UDX_EMPTY", ""},
+                                    {"UDX_SELF", "%UDX_SELF%"},
+                                    {"UDX_GROWS", "%UDX_GROWS%%UDX_GROWS%"}}) {
     setenv(name, value, 1);
   }
   check_cases("text/trim", [](strings c) {
@@ -40,7 +41,8 @@ TEST(Text, Cases) {
     const bool result = zk::read_number_long(c[0], read);
     return joined(result, read, c[0]);
   });
-  check_cases("text/expand", [](strings c) { return zk::expand_environment(c[0], c[1] == "true"); });
+  check_cases("text/expand",
+              [](strings c) { return zk::expand_environment(c[0], c[1] == "true"); });
   uint32_t read = 99;
   EXPECT_FALSE(zk::read_number(nullptr, read) || read != 0);
   string fits = string(505, 'a') + "%UDX_B%", over = "a" + fits, grows = "%UDX_GROWS%";

@@ -8,8 +8,6 @@
 
 namespace {
 
-// clang-format off
-
 zk::time moment(int year = 2021) {
   zk::time t;
   t.set_value(sample::filetime_of(year, 3, 4, 5, 6, 7) + 891234, zk::type_time::filetime);
@@ -17,12 +15,15 @@ zk::time moment(int year = 2021) {
 }
 
 TEST(MaskedForm, DateAndTime) {
-  const auto shown = [](const zk::time& t, const std::string& date_mask, const std::string& time_mask) {
+  const auto shown = [](const zk::time& t, const std::string& date_mask,
+                        const std::string& time_mask) {
     std::string date = "old", time = "old";
     EXPECT_EQ(zk::format_masked(date, time, t, date_mask, time_mask), t.valid);
     return date + time;
   };
-  check_cases("time/date_mask", [&](const strings& c) { return shown(moment(c.size() > 1 ? 2005 : 2021), c[0], ""); });
+  check_cases("time/date_mask", [&](const strings& c) {
+    return shown(moment(c.size() > 1 ? 2005 : 2021), c[0], "");
+  });
   check_cases("time/time_mask", [&](const strings& c) { return shown(moment(), "", c[0]); });
   EXPECT_EQ(shown(zk::time(), "yyyy-mm-dd", "hh:mm:ss"), "");
   check_cases("time/derived", [](const strings& c) {

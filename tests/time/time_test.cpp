@@ -9,8 +9,6 @@
 
 namespace {
 
-// clang-format off
-
 using sample::dos_of;
 using sample::filetime_of;
 
@@ -59,26 +57,39 @@ TEST(Filetime, CalendarFields) {
   EXPECT_EQ(shown(loaded(epoch + 951868799 * second).fields), "2000-02-29 23:59:59 w2");
   EXPECT_EQ(shown(loaded(epoch + 978307199 * second).fields), "2000-12-31 23:59:59 w0");
   const zk::time t = loaded(epoch + 5 * second + 9999999);  // each unit states the whole fraction
-  EXPECT_EQ(joined(t.fields.millisecond, t.fields.microsecond, t.fields.nanosecond, t.fields.picosecond),
-            "999|999999|999999900|999999900000");
+  EXPECT_EQ(
+      joined(t.fields.millisecond, t.fields.microsecond, t.fields.nanosecond, t.fields.picosecond),
+      "999|999999|999999900|999999900000");
   EXPECT_EQ(t.filetime_copy, t.filetime);
 }
 
 TEST(Filetime, WhatIsValid) {
   const uint64_t year_1900 = filetime_of(1900, 1, 1), year_3001 = filetime_of(3001, 1, 1);
-  struct valid_case { uint64_t filetime; bool valid, local; };
+  struct valid_case {
+    uint64_t filetime;
+    bool valid, local;
+  };
   const auto check = [](const std::vector<valid_case>& cases) {
     for (const auto& c : cases) {
       const zk::time t = loaded(c.filetime);
       std::tm local = {};
-      EXPECT_EQ(joined(t.filetime, t.valid, t.valid && t.local_tm(local)), joined(c.filetime, c.valid, c.local));
+      EXPECT_EQ(joined(t.filetime, t.valid, t.valid && t.local_tm(local)),
+                joined(c.filetime, c.valid, c.local));
     }
   };
   use_zone("UTC");
-  check({{0, false, false}, {1, false, false}, {year_1900 - 1, false, false}, {year_1900, true, false},
-         {epoch - 1, true, false}, {epoch, false, false}, {epoch + second - 1, false, false},
-         {epoch + second, true, true}, {year_3001 - 1, true, true}, {year_3001, false, false},
-         {0x7FFFFFFFFFFFFFFF, false, false}, {0x8000000000000000, false, false}});
+  check({{0, false, false},
+         {1, false, false},
+         {year_1900 - 1, false, false},
+         {year_1900, true, false},
+         {epoch - 1, true, false},
+         {epoch, false, false},
+         {epoch + second - 1, false, false},
+         {epoch + second, true, true},
+         {year_3001 - 1, true, true},
+         {year_3001, false, false},
+         {0x7FFFFFFFFFFFFFFF, false, false},
+         {0x8000000000000000, false, false}});
   EXPECT_EQ(joined(loaded(1).fields.year, loaded(1ULL << 63).fields.year), "1601|0");
   uint64_t seconds = 0;
   EXPECT_TRUE(zk::filetime_to_unix(epoch - second, seconds));
@@ -91,7 +102,8 @@ TEST(Filetime, WhatIsValid) {
   check({{year_3001 - second, true, false}, {epoch + 1 * second, true, true}});
   std::tm local = {};
   EXPECT_TRUE(loaded(filetime_of(2008, 2, 29, 20, 0, 1)).local_tm(local));
-  EXPECT_EQ(joined(local.tm_mon, local.tm_mday, local.tm_min, local.tm_wday, local.tm_yday), "2|1|30|6|60");
+  EXPECT_EQ(joined(local.tm_mon, local.tm_mday, local.tm_min, local.tm_wday, local.tm_yday),
+            "2|1|30|6|60");
   EXPECT_FALSE(zk::unix_to_local_tm(-1, local) || local.tm_mday != 0);
   std::tm noon = {};
   noon.tm_year = 100, noon.tm_mday = 2, noon.tm_hour = 12;
@@ -105,7 +117,8 @@ TEST(Time, UnixSecondsAndNow) {
   EXPECT_EQ(shown(loaded(86400, zk::type_time::unix_time).fields), "1970-01-02 00:00:00 w5");
   for (const uint64_t value : {uint64_t{0}, ~uint64_t{0}}) {
     const zk::time none = loaded(value, zk::type_time::unix_time);
-    EXPECT_EQ(joined(none.valid, none.unix_seconds, none.filetime), joined(false, 0, epoch + value * second));
+    EXPECT_EQ(joined(none.valid, none.unix_seconds, none.filetime),
+              joined(false, 0, epoch + value * second));
   }
   EXPECT_EQ(loaded(5, static_cast<zk::type_time>(4)).filetime, 0u);
   zk::time now;
@@ -139,7 +152,9 @@ TEST(Time, DosPairsTmAndParts) {
 }
 
 TEST(NtpStamp, LayoutAndDifference) {
-  const auto stamp = [](uint64_t ticks) { return zk::filetime_to_ntp64(zk::ntp_epoch_filetime + ticks); };
+  const auto stamp = [](uint64_t ticks) {
+    return zk::filetime_to_ntp64(zk::ntp_epoch_filetime + ticks);
+  };
   EXPECT_EQ(zk::filetime_to_ntp64(1ULL << 63), 0u);
   EXPECT_EQ(stamp(0x01020304 * second), 0x04030201u);
   EXPECT_EQ(stamp(second / 3) >> 32, 0xC0545555u);
@@ -151,7 +166,8 @@ TEST(NtpStamp, LayoutAndDifference) {
 TEST(Parse, DatesAndTimes) {
   check_cases("time/date", [](const strings& c) {
     zk::_windows_systemtime f = {};
-    return zk::parse_date_time(c[0].c_str(), nullptr, c[1], c[2][0], f) ? shown(f).substr(0, 10) : "";
+    return zk::parse_date_time(c[0].c_str(), nullptr, c[1], c[2][0], f) ? shown(f).substr(0, 10)
+                                                                        : "";
   });
   check_cases("time/time", [](const strings& c) {
     zk::_windows_systemtime f = {};

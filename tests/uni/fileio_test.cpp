@@ -14,8 +14,6 @@
 
 namespace {
 
-// clang-format off
-
 using bytes = std::vector<uint8_t>;
 
 bytes counting(size_t size) {
@@ -61,13 +59,16 @@ TEST(FileOpen, ModesAndSizes) {
   EXPECT_FALSE(uni::fileio(dir.path("absent"), true).is_open());  // no truncation, no creation
   EXPECT_FALSE(uni::path_exists_stat(dir.path("absent")));
   const std::string kept = dir.write("kept", "abc");
-  const auto kept_size = uni::fileio(kept, true).size(), emptied_size = uni::fileio(kept, true, false, true).size();
-  EXPECT_EQ(joined(kept_size, emptied_size, uni::fileio(L"/proc/cpuinfo").size(), uni::fileio(L"/dev/null").size()),
+  const auto kept_size = uni::fileio(kept, true).size(),
+             emptied_size = uni::fileio(kept, true, false, true).size();
+  EXPECT_EQ(joined(kept_size, emptied_size, uni::fileio(L"/proc/cpuinfo").size(),
+                   uni::fileio(L"/dev/null").size()),
             "3|0|262144|0");
   bytes block;
   std::filesystem::resize_file(kept, 1ULL << 32);
   EXPECT_FALSE(uni::load_file(block, kept, 10));  // 0 in the low 32 bits of its size
-  EXPECT_FALSE(uni::load_file(block, dir.write("g", "abc"), 0) || !uni::load_file(block, dir.path("g"), 2));
+  EXPECT_FALSE(uni::load_file(block, dir.write("g", "abc"), 0) ||
+               !uni::load_file(block, dir.path("g"), 2));
   EXPECT_EQ(block, (bytes{'a', 'b'}));
 }
 
@@ -78,9 +79,19 @@ TEST(FileRead, BoundsAreTheSizeAtOpen) {
   from_memory.open_memory(counting(10));
   std::ofstream(path, std::ios::app) << "grown";  // isn't seen
   for (const uni::fileio* file : {&from_disk, &from_memory}) {
-    struct read_case { uint32_t count; int64_t offset; bool result; uint32_t got; };
-    for (const auto& c : std::vector<read_case>{{4, 0, true, 4}, {4, 9, true, 1}, {4, 10, false, 4},
-             {4, 11, false, 4}, {0, 3, true, 0}, {99, 0, true, 10}, {4, -1, false, 4}}) {
+    struct read_case {
+      uint32_t count;
+      int64_t offset;
+      bool result;
+      uint32_t got;
+    };
+    for (const auto& c : std::vector<read_case>{{4, 0, true, 4},
+                                                {4, 9, true, 1},
+                                                {4, 10, false, 4},
+                                                {4, 11, false, 4},
+                                                {0, 3, true, 0},
+                                                {99, 0, true, 10},
+                                                {4, -1, false, 4}}) {
       bytes buffer(100, 0xFF);
       uint32_t count = c.count;
       const bool result = file->read_at(buffer.data(), count, c.offset);
@@ -92,7 +103,8 @@ TEST(FileRead, BoundsAreTheSizeAtOpen) {
     EXPECT_FALSE(file->read_at_wide(nullptr, wide, 0) || file->read_at_wide(nullptr, past, 10));
     EXPECT_EQ(wide - past, 1ULL << 32);
     bytes block = {7};
-    EXPECT_TRUE(file->read_block(block, 0, 5) && block == bytes{7} && file->read_block(block, 100, 8));
+    EXPECT_TRUE(file->read_block(block, 0, 5) && block == bytes{7} &&
+                file->read_block(block, 100, 8));
     EXPECT_EQ(block, (bytes{8, 9}));
     EXPECT_FALSE(file->read_block(block, 1, 10) || file->read_block(block, -1, 0));
   }

@@ -1,5 +1,6 @@
 #include "front/portdir/stdin_stream_ex.h"
 
+#include <utility>
 #include <vector>
 
 #include "front/path_match.h"

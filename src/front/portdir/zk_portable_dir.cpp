@@ -5,7 +5,9 @@
 #include <fnmatch.h>
 #include <sys/stat.h>
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "text/path_text.h"
 #include "text/zk_string.h"

@@ -14,8 +14,8 @@ struct dir_node {
   String path;  // the whole path
   String name;
   bool is_dir = false;
-  bool is_long_path = false;  // the path begins with "\\?\"
-  uint32_t depth = 0;
+  bool is_long_path = false;  // the path begins with "\\?\"; nothing reads it
+  uint32_t depth = 0;         // nothing reads it
 };
 
 using _DIR_NODE = dir_node<std::wstring>;

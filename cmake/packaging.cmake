@@ -22,8 +22,9 @@ udx_compressed_page(cmake/changelog.in changelog ${CMAKE_INSTALL_DOCDIR})
 install(FILES completions/udx.bash RENAME udx
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES completions/_udx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES README.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md)
+install(FILES README.md CONTRIBUTING.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg)
 install(FILES examples/index.dat DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
 # .invalid is the domain of addresses that lead nowhere.

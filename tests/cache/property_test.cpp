@@ -170,7 +170,7 @@ struct index_model {
       header = all.substr(at, length);
       const size_t marker = header.find("~U:");
       if (marker != string::npos) user = trimmed(header.substr(marker + 3).c_str());
-      header = header.substr(0, marker).c_str();
+      header = string(header, 0, marker).c_str();
       for (char& c : header) c = c < ' ' || c > '~' ? ' ' : c;
       header = cleaned(header, ';');
       if (marker == 0) header = user = "-";

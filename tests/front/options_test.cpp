@@ -108,7 +108,7 @@ TEST(Options, WhatEachChanges) {
 }
 
 TEST(Options, DiskLists) {
-  const auto run = [](argument_list args, bool accepted, std::vector<std::wstring> suggest) {
+  const auto run = [](argument_list args, bool accepted, const std::vector<std::wstring>& suggest) {
     cmd_opts opts;
     const cmd_params::disk_list_check check = [&](const auto&, std::ostream& out, auto& suggested) {
       out << "why\n";

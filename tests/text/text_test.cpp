@@ -82,7 +82,7 @@ TEST(Text, CutsAndReplacements) {
 }
 
 TEST(PrintableText, KeepsReplacesAndStops) {
-  const auto printable = [](string in, bool keep, uint8_t replacement) {
+  const auto printable = [](const string& in, bool keep, uint8_t replacement) {
     string out = "old";
     zk::printable_text(out, reinterpret_cast<const uint8_t*>(in.data()),
                        static_cast<uint32_t>(in.size()), keep, replacement);

@@ -83,7 +83,7 @@ TEST(Scan, TheFirstRowUnderAnOffsetStays) {
               rich = record::leak().filename("whole").bytes();
   EXPECT_TRUE(add_record(table, opts, poor.data(), 128, 4096) &&
               add_record(table, opts, rich.data(), 128, 4096));
-  for (const uint64_t offset : {128, 256, 128})
+  for (const uint64_t offset : {128U, 256U, 128U})
     EXPECT_TRUE(add_record(table, opts, rich.data(), 128, offset));
   std::ostringstream rows;
   for (const cache_row& row : table.rows) rows << row.offset << row.filename() << " ";

@@ -72,13 +72,18 @@ echo "checking the manual page and the completions"
 same "the manual page's list of options" "$(accepted)" "$(documented 'It Fl')"
 same "the manual page's use of options" "$(accepted)" "$(documented '')"
 shown=$(accepted | grep -v '^/?$')
-for offers in bash_offers zsh_offers; do
+shells=(bash zsh)
+if ! zsh -f -c 'zmodload zsh/zpty && zpty shell true' 2>/dev/null; then
+  echo "no terminal can be made here: what zsh offers isn't tried"
+  shells=(bash)
+fi
+for offers in "${shells[@]/%/_offers}"; do
   same "$offers of options" "$shown" "$($offers 'udx -')"
   same "$offers of date masks" $'mm/dd/yy\nmm/dd/yyyy' "$($offers 'udx -dateformat mm')"
   $offers 'udx -f examples/i' | grep -qE '^(examples/)?index\.dat$' || fail "$offers no file"
   same "$offers of folders" examples "$($offers 'udx -enumdir ' | grep -E '^(README|examples)')"
 done
-same "zsh's start folder" examples/ "$(zsh_folder exam)"
+[ ${#shells[@]} = 1 ] || same "zsh's start folder" examples/ "$(zsh_folder exam)"
 # bash takes a colon for the end of a word.
 same "bash_offers of time masks" $'ss.xxxxxx\nss.xxxxxxxxx' \
   "$(bash_offers 'udx -timeformat hh:mm:ss.xxxx')"

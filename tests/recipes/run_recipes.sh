@@ -38,7 +38,8 @@ stand_in() {
 }
 stand_in mount '[ "$1 $2 $3" = "-o ro,loop disk.img" ] && cp -r evidence/. "$4"'
 stand_in umount 'rm -r "$1"/*'
-stand_in ssh 'shift; [ "$1" != -- ] || shift; exec sh -c "$*"'
+# sshd sets SHELL, which need not be set here.
+stand_in ssh 'shift; [ "$1" != -- ] || shift; SHELL=/bin/sh exec /bin/sh -c "$*"'
 ln -s "$udx" "$dir/bin/udx"
 
 cd "$dir/work"

@@ -1,0 +1,144 @@
+// The file layer, on real files, and messages byte for byte.
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include "tests/support/case_file.h"
+#include "tests/support/temp_dir.h"
+#include "uni/console.h"
+#include "uni/fileio.h"
+#include "uni/fileio_output.h"
+
+namespace {
+
+using std::string;
+
+// The text, a long run of one character as the character*its length.
+string counted(const string& text) {
+  string out;
+  for (size_t at = 0, end = 0; at < text.size(); at = end) {
+    end = std::min(text.find_first_not_of(text[at], at), text.size());
+    out += end - at > 20 ? joined(text[at]) + "*" + joined(end - at) : text.substr(at, end - at);
+  }
+  return out;
+}
+
+string repeated(const string& text, const string& times) {
+  string made;
+  for (uint64_t n = number(times); n > 0; --n) made += text;
+  return made;
+}
+
+// A case's folder, and the file that its steps are about.
+struct stage {
+  temp_dir dir;
+  uni::fileio file;
+  std::ostream* out = nullptr;
+
+  stage() {
+    dir.write("f", "0123456789");
+    EXPECT_EQ(mknod(dir.path("fifo").c_str(), S_IFIFO | 0600, 0), 0);
+    EXPECT_EQ(mknod(dir.path("sock").c_str(), S_IFSOCK | 0600, 0), 0);
+  }
+
+  string read(auto reader, auto count, const string& at) const {
+    string buffer(99, '.');
+    const bool result = (file.*reader)(buffer.data(), count, std::stoll(at));
+    return joined(result, count, buffer.erase(buffer.find_last_not_of('.') + 1));
+  }
+
+  string play(const string& step) {
+    strings c = cells(step, ' ');
+    c.resize(3);
+    const string &verb = c[0], &text = c[1];
+    const string path = text.empty() || text[0] == '/' ? text : dir.path(text);
+    const auto size = static_cast<uint32_t>(text.size());
+    std::vector<uint8_t> block = {'.'};
+    const auto with_block = [&](bool result) {
+      return joined(result, string(block.begin(), block.end()));
+    };
+    if (verb == "open") return joined(file.open(path, !c[2].empty(), false, c[2] == "new"));
+    if (verb == "size") return joined(file.is_open(), file.size(), file.measure_size());
+    if (verb == "read") return read(&uni::fileio::read_at, number32(text), c[2]);
+    if (verb == "wide") return read(&uni::fileio::read_at_wide, number(text), c[2]);
+    if (verb == "block") return with_block(file.read_block(block, std::stoll(text), number(c[2])));
+    if (verb == "load") return with_block(uni::load_file(block, path, number32(c[2])));
+    if (verb == "append") return joined(file.append(text.empty() ? nullptr : &text[0], size));
+    if (verb == "write") return joined(file.write_at(&text[0], size, number(c[2])));
+    if (verb == "text") return joined(file.append_text(std::ostringstream(text)));
+    if (verb == "rights") return joined(file.set_permissions(text));
+    if (verb == "mode")
+      return joined(static_cast<int>(std::filesystem::status(path).permissions()));
+    if (verb == "held") return counted(read_file(path)) + ".";
+    if (verb == "attach") return joined((out = file.attach_output()) != nullptr);
+    if (verb == "clear") out->clear();
+    if (verb == "out") return joined((*out << repeated(text, c[2])).flush().good());
+    if (verb == "memory") file.open_memory({text.begin(), text.end()});
+    if (verb == "cut") std::filesystem::resize_file(path, number(c[2]));
+    if (verb == "close") file.close();
+    return "-";
+  }
+
+  string play_all(const strings& steps) {
+    string seen;
+    for (const string& step : steps) seen += (seen.empty() ? "" : " ") + play(step);
+    return seen;
+  }
+};
+
+TEST(File, Steps) {
+  const auto open_files = [] {
+    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+  };
+  const auto before = open_files();
+  const mode_t old = umask(0);
+  check_cases("uni/steps", [](const strings& c) { return stage().play_all(c); });
+  check_cases("uni/roads", [](const strings& c) {
+    stage on_disk, in_memory;
+    on_disk.play("open f write");
+    in_memory.play("memory 0123456789");
+    const string seen = on_disk.play_all(c);
+    EXPECT_EQ(in_memory.play_all(c), seen);
+    return seen;
+  });
+  umask(old);
+  EXPECT_EQ(open_files(), before);
+  EXPECT_EQ(uni::open_mode_for(uni::fileio::access::read).creation_mode, 0404u);
+}
+
+TEST(File, StreamsThatWriteNowhere) {
+  uni::fileio none;
+  uni::fileio_output closed(&none, 16);
+  uni::null_out_stream null;
+  EXPECT_FALSE(closed << "x");
+  EXPECT_TRUE(null << string(100000, 'x') << 1 << std::endl);
+}
+
+int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
+  std::va_list arguments;
+  va_start(arguments, format);
+  const int result = uni::console_print(to_stderr, limit, format, arguments, raw);
+  va_end(arguments);
+  return result;
+}
+
+TEST(Console, Messages) {
+  check_cases("uni/message", [](const strings& c) {
+    const string how = c[0], text = repeated(c[1], c[2]);
+    int result = 0;
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    if (how == "nothing") {
+      result = uni::message(nullptr) + uni::set_terminal_title(nullptr);
+    } else if (how == "message") {
+      result = uni::message("%s", text.c_str());
+    } else if (how == "percent") {
+      uni::progress_percent("%s", text.c_str());
+    } else {
+      result = print(how == "error", 60, how != "line", "%s", text.c_str());
+    }
+    const string err = testing::internal::GetCapturedStderr();
+    return joined(result, counted(err), counted(testing::internal::GetCapturedStdout()));
+  });
+}
+
+}  // namespace

@@ -85,9 +85,7 @@ TEST(Time, LoadedInThreeZones) {
   }
   std::tm noon = {};
   EXPECT_FALSE(zk::unix_to_local_tm(-1, noon) || noon.tm_mday != 0);
-  noon.tm_year = 100;
-  noon.tm_mday = 2;
-  noon.tm_hour = 12;
+  strptime("2000-01-02 12", "%Y-%m-%d %H", &noon);
   zk::time t;
   EXPECT_TRUE(t.set_tm(noon, 7, false));  // local time that is stored as UTC
   EXPECT_EQ(t.filetime, filetime_of(2000, 1, 2, 12) + 70000);

@@ -124,18 +124,16 @@ int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
 TEST(Console, Messages) {
   check_cases("uni/message", [](const strings& c) {
     const string how = c[0], text = repeated(c[1], c[2]);
+    const int limit = std::stoi(c[3]);
     int result = 0;
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
-    if (how == "nothing") {
-      result = uni::message(nullptr) + uni::set_terminal_title(nullptr);
-    } else if (how == "message") {
-      result = uni::message("%s", text.c_str());
-    } else if (how == "percent") {
-      uni::progress_percent("%s", text.c_str());
-    } else {
-      result = print(how == "error", 60, how != "line", "%s", text.c_str());
-    }
+    if (how == "message") result = uni::message("%s", text.c_str());
+    if (how == "nothing") result = uni::message(nullptr) + uni::set_terminal_title(nullptr);
+    if (how == "percent") uni::progress_percent("%s", text.c_str());
+    if (how == "print") result = print(false, limit, false, "%s", text.c_str());
+    if (how == "raw") result = print(false, limit, true, "%s", text.c_str());
+    if (how == "raw_error") result = print(true, limit, true, "%s", text.c_str());
     const string err = testing::internal::GetCapturedStderr();
     return joined(result, counted(err), counted(testing::internal::GetCapturedStdout()));
   });

@@ -47,16 +47,13 @@ string called(strings c) {
   return text;
 }
 
-// The same for wide text.
 string called_wide(const strings& c) {
   std::wstring text = zk::utf8_to_wide(c[1]);
-  string result;
-  if (c[0] == "trim") result = joined(zk::trim_wide(text), "");
-  if (c[0] == "remove") result = joined(zk::remove_char_wide(text, c[2][0]), "");
+  size_t result = 0;
+  if (c[0] == "trim") result = zk::trim_wide(text);
+  if (c[0] == "remove") result = zk::remove_char_wide(text, c[2][0]);
   if (c[0] == "replace") zk::replace_char_wide(text, c[2][0], c[2][1], c.size() > 3);
-  if (c[0] == "slashes") zk::strip_trailing_slashes(text);
-  if (c[0] == "lower") zk::to_lower_wide(text);
-  return result + zk::wide_to_utf8(text);
+  return joined(result, zk::wide_to_utf8(text));
 }
 
 TEST(Text, Cases) {

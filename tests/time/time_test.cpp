@@ -133,7 +133,7 @@ TEST(Time, NowAndNtpStamps) {
   EXPECT_NEAR(static_cast<double>(now.unix_seconds), static_cast<double>(std::time(nullptr)), 2);
 }
 
-TEST(Time, Forms) {
+TEST(Time, FormsAndParsing) {
   check_cases("time/mask", [](const strings& c) {
     string date = "old", time = "old";
     const zk::time t = in_year(c[2]);
@@ -142,18 +142,14 @@ TEST(Time, Forms) {
   });
   check_cases("time/default", [](const strings& c) {
     string date = "old", time = "old";
-    const auto with = [&](const char* flag) { return c[0].find(flag) != string::npos; };
-    zk::format_default(date, time, in_year(c[1]), with("fraction"), with("short"), nullptr,
-                       with("nano"));
+    const bool fraction = c[0] == "fraction", short_year = c[1] == "short", nano = c[2] == "nano";
+    zk::format_default(date, time, in_year(c[3]), fraction, short_year, nullptr, nano);
     return joined(date, time);
   });
   check_cases("time/derived", [](const strings& c) {
     const zk::date_format_context context = zk::derive_format_masks(c[0], c[1], c[2] == "true");
     return joined(context.separator, int{context.flags}, int{context.digits});
   });
-}
-
-TEST(Time, Parsed) {
   check_cases("time/parsed", [](const strings& c) {
     zk::_windows_systemtime f = {};
     const bool read = zk::parse_date_time(c[0].c_str(), c[3].c_str(), c[1], c[2][0], f);

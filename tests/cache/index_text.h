@@ -1,0 +1,81 @@
+// Bytes from text, for the tables of cases: pieces that stand one behind the other, and changes to
+// the piece ahead. They are exactly as many as they seem, so that the sanitizer build sees any read
+// too far.
+//
+//   url TEXT, redr TEXT, leak   a record, in whole blocks
+//   roomy                       a URL record of three blocks, dots from 105 on, the last one its
+//   URL hash OFFSET OFFSET          a HASH block of 4096 bytes that lists records there text TEXT
+//   what it says header TEXT                 change: the header of a roomy record NAME=NUMBER,
+//   AT=NUMBER      change: a record's field, or any; of 8 bytes if 4 don't hold it AT:TEXT change:
+//   what stands there size NUMBER                 cuts the whole, or fills it up with NULs
+#pragma once
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+#include "tests/support/case_file.h"
+#include "tools/index_builder.h"
+
+class index_text {
+ public:
+  explicit index_text(const strings& parts) {
+    for (const std::string& part : parts) add(part);
+    bytes.shrink_to_fit();
+  }
+
+  sample::byte_vector bytes;
+
+ private:
+  size_t begin = 0;  // of the last piece
+
+  void put(size_t at, std::string_view text) {
+    bytes.resize(std::max(bytes.size(), begin + at + text.size()));
+    std::copy(text.begin(), text.end(), bytes.begin() + static_cast<ptrdiff_t>(begin + at));
+  }
+
+  void put_number(const std::string& field, uint64_t value) {
+    static const std::map<std::string, size_t> fields = {
+        {"blocks", 0x04},     {"last_mod", 0x08}, {"access", 0x10},    {"expires", 0x18},
+        {"file_size", 0x20},  {"url_at", 0x34},   {"directory", 0x38}, {"name_at", 0x3C},
+        {"header_at", 0x44},  {"length", 0x48},   {"last_sync", 0x50}, {"count", 0x54},
+        {"leak_access", 0x5C}};
+    const auto named = fields.find(field);
+    std::string text;
+    for (; value != 0 || text.size() < 4; value >>= 8) text += static_cast<char>(value);
+    put(named != fields.end() ? named->second : number(field), text);
+  }
+
+  sample::byte_vector piece(const std::string& kind, const std::string& text) {
+    using sample::record;
+    if (kind == "url") return record::url(text).bytes();
+    if (kind == "redr") return record::redr(text).bytes();
+    if (kind == "leak") return record::leak().bytes();
+    if (kind == "roomy")
+      return record::url("u").put32(0x34, 383).put_text(105, std::string(279, '.')).bytes();
+    if (kind == "text") return {text.begin(), text.end()};
+    std::vector<uint32_t> offsets;
+    for (const std::string& offset : cells(text, ' ')) offsets.push_back(number32(offset));
+    return sample::hash_block_bytes(offsets, 0);
+  }
+
+  void add(const std::string& part) {
+    const size_t gap = std::min(part.find_first_of(" =:"), part.size());
+    const std::string word = part.substr(0, gap), rest = part.substr(gap).erase(0, 1);
+    if (part[gap] == '=') {
+      put_number(word, number(rest));
+    } else if (part[gap] == ':') {
+      put(number(word), rest);
+    } else if (word == "size") {
+      bytes.resize(number(rest));
+    } else if (word == "header") {
+      put(130, rest);
+      put_number("header_at", 130);
+      put_number("length", rest.size());
+    } else {
+      begin = bytes.size();
+      const sample::byte_vector added = piece(word, rest);
+      bytes.insert(bytes.end(), added.begin(), added.end());
+    }
+  }
+};

@@ -19,14 +19,17 @@
 
 class index_text {
  public:
-  explicit index_text(const strings& parts) {
-    for (const std::string& part : parts) add(part);
+  // From the inputs of a case, without the first `skipped`.
+  explicit index_text(const strings& inputs, size_t skipped = 0) {
+    for (size_t i = skipped; i < inputs.size(); ++i) add(inputs[i]);
     bytes.shrink_to_fit();
   }
 
-  sample::byte_vector bytes;
+  uint8_t* data() { return bytes.data(); }
+  uint32_t size() const { return static_cast<uint32_t>(bytes.size()); }
 
  private:
+  sample::byte_vector bytes;
   size_t begin = 0;  // of the last piece
 
   void put(size_t at, std::string_view text) {

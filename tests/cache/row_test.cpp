@@ -16,10 +16,9 @@ struct counting_buffer : std::stringbuf {
 };
 
 // The header line where it is wanted, and the record's line.
-std::string lines_of(const strings& parts, const cmd_opts& opts, bool header_line = false) {
+std::string lines_of(index_text bytes, const cmd_opts& opts, bool header_line = false) {
   record_table table(opts);
-  auto bytes = index_text(parts).bytes;
-  add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), 0x4200);
+  add_record(table, opts, bytes.data(), bytes.size(), 0x4200);
   counting_buffer buffer;
   std::ostream out(&buffer);
   row_writer writer(out, opts);
@@ -34,14 +33,14 @@ TEST(Row, Lines) {
     cmd_opts opts;
     opts.input_path = c[0];
     classify_path(opts);
-    return lines_of({c.begin() + 1, c.end()}, opts);
+    return lines_of(index_text(c, 1), opts);
   });
   check_cases("cache/form", [](const strings& c) {
     cmd_opts opts;
     opts.verbose = c[0] != "short";
     opts.carve_columns = c[1] == "carve";
     opts.time_format = c[2];
-    return lines_of({c.begin() + 3, c.end()}, opts, true);
+    return lines_of(index_text(c, 3), opts, true);
   });
 }
 

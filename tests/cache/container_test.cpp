@@ -2,6 +2,8 @@
 // read into was used by the case before.
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "cache/hash_walk.h"
 #include "tests/cache/index_text.h"
 
@@ -36,7 +38,10 @@ TEST(Container, KindFromThePath) {
 TEST(Container, NamesOfDirectories) {
   cache_container container;
   check_cases("cache/names", [&](const strings& c) {
-    index_text bytes(c);
+    strings parts = {"text Client UrlCache", "0x50:FIRST", "0x5C:SECOND", "0xC38:NAME 254"};
+    parts.insert(parts.end(), {"0xC44:NAME 255", "size 4096"});
+    parts.insert(parts.end(), c.begin(), c.end());
+    index_text bytes(parts);
     record_table table{cmd_opts()};
     std::string found = joined(attach_directories(container, table, bytes.data(), bytes.size()));
     // A REDR record's row keeps the index that it has from the start.

@@ -1,9 +1,9 @@
-// Paths: their text, the filters that take them, and the walk that finds them.
+// Paths: their text, the filters that take them, and the walk that finds them, as cases.txt tells.
 #include <gtest/gtest.h>
 #include <utime.h>
 
-#include <algorithm>
 #include <numeric>
+#include <set>
 
 #include "front/path_match.h"
 #include "front/portdir/stdin_stream_ex.h"
@@ -11,6 +11,7 @@
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "text/path_text.h"
+#include "text/zk_wide.h"
 
 namespace {
 
@@ -22,65 +23,49 @@ filter_list compiled(const string& text) {
   return filters;
 }
 
-filter_list signature(const string& value) {
-  filter_list filters;
-  add_signature_filter(filters, value);
-  return filters;
-}
-
 bool takes(const filter_list& filters, const string& path, const cmd_params& span = {}) {
   file_stat stat;
   return filter_match(span, path, filters, stat);
 }
 
-// The paths of a walk below `root`, each with a comma behind it.
-strings walked(const string& root, const string& folder, uint32_t depth,
-               const filter_list& filters = {}) {
-  zkportdir::stdin_stream_ex stream;
-  strings paths;
-  if (!stream.open_walk(folder, depth, filters)) return {"refused"};
-  for (string path; stream.read_line(path, true);) paths.push_back(path.substr(root.size()) + ",");
-  return paths;
-}
-
 TEST(PathText, Splitting) {
   check_cases("front/split", [](const strings& c) {
-    string folder, name;
-    EXPECT_TRUE(split_path(c[0], folder, name));
+    string folder = "x", name = "x";
+    EXPECT_EQ(split_path(c[0], folder, name), !c[0].empty());
     return joined(folder, name);
   });
-  std::wstring folder = L"x", name = L"x";
-  EXPECT_FALSE(split_path(std::wstring(), folder, name));
-  EXPECT_EQ(folder + name, L"");
-  EXPECT_EQ(expand_env("%vss%1", true), "\\\\?\\GLOBALROOT\\Device\\HarddiskVolumeShadowCopy1");
 }
 
-TEST(Filter, WhichPathsAreTaken) {
+TEST(Filter, TextAndPathsTaken) {
   check_cases("front/filter", [](const strings& c) { return joined(takes(compiled(c[0]), c[1])); });
-  EXPECT_TRUE(takes({}, "bad\xFF"));  // without a filter every path is taken
-  const filter_list two = compiled("one, *two*:s*");
-  EXPECT_TRUE(two.size() == 2 && two[1].raw_text == L"*two*:s*" && two[1].stream_text == L"s" &&
-              two[1].has_stream && two[1].stream_star_back && !two[1].stream_star_front &&
-              compiled("a:*")[0].stream_all);
-  filter_list filters;
-  argument_list args = {"-filter_path", "P", "-filter_path", "QQ"};
-  add_filter(filters, args, "a,b");
-  EXPECT_EQ(filters[1].path_text, L"p");
-  add_filter(filters, args, "c");
-  EXPECT_TRUE(filters.size() == 3 && filters[0].path_text == L"qq" &&
-              filters[2].path_text_len == 2);
+  check_cases("front/filter_text", [](const strings& c) {
+    filter_list filters;
+    argument_list args(c.begin() + 1, c.end());
+    for (const string& value : cells(c[0], ';')) add_filter(filters, args, value);
+    string seen;
+    for (const path_filter& f : filters) {
+      for (const auto& text : {f.raw_text, f.match_text, f.stream_text, f.path_text})
+        seen += zk::wide_to_utf8(text) + "|";
+      for (const bool flag : {f.is_path, f.match_all, f.star_front, f.star_back, f.has_stream,
+                              f.stream_all, f.stream_star_front, f.stream_star_back})
+        seen += flag ? '1' : '0';
+      seen += "|" + std::to_string(f.path_text_len) + "; ";
+    }
+    return seen.substr(0, seen.find_last_not_of(' ') + 1);
+  });
 }
 
 TEST(Filter, Signatures) {
   const temp_dir dir;
-  const string path = dir.write("f", "0123\xDE\xAD\xBE\xEF");
+  dir.write("f", std::vector<uint8_t>{0x30, 0x31, 0x32, 0x33, 0xDE, 0xAD, 0xBE, 0xEF, 0x30, 0});
   check_cases("front/signature", [&](const strings& c) {
-    return joined(signature(c[0]).size(), takes(signature(c[0]), path));
+    filter_list filters;
+    add_signature_filter(filters, c[1]);
+    bool unreadable = false;
+    const bool taken =
+        filter_match_wide({}, unreadable, zk::utf8_to_wide(dir.path(c[0])), filters, nullptr);
+    return joined(filters.size(), taken, unreadable);
   });
-  EXPECT_EQ(signature("30 xy")[0].sig_bytes, (std::vector<uint8_t>{0x30, 0}));
-  bool unreadable = false;
-  EXPECT_FALSE(filter_match_wide(cmd_params(), unreadable, L"/nowhere", signature("30"), nullptr) ||
-               !unreadable);
 }
 
 TEST(Filter, TimeSpan) {
@@ -92,43 +77,37 @@ TEST(Filter, TimeSpan) {
     span.start_time_set = span.start_unix != 0, span.stop_time_set = span.stop_unix != 0;
     const utimbuf times = {std::stol(c[2]), std::stol(c[2])};
     EXPECT_EQ(utime(path.c_str(), &times), 0);
-    EXPECT_TRUE(takes({}, path, span) && !takes(compiled("f"), "/nowhere/f", span));
-    return joined(takes(compiled("f"), path, span));
+    return joined(takes(compiled("f"), path, span), takes({}, path, span),
+                  takes(compiled("f"), "/nowhere/f", span));
   });
 }
 
-TEST(Walk, DepthOrderFiltersAndWildFolders) {
+TEST(Walk, FoldersDepthAndFilters) {
   const temp_dir dir;
-  const string root = dir.path() + "/";
-  for (const char* name : {"f", "a/f", "a/b/f", "a/b/c/f", "d/f", "d/g.TXT"}) dir.write(name, "x");
-  std::filesystem::create_directory_symlink(root + "a", root + "link");
-  std::filesystem::create_directory(root + "empty");
-  const auto shown = [&](const strings& c) {
-    strings paths =
-        walked(root, root + c[0], number32(c[1]), c[2].empty() ? filter_list() : compiled(c[2]));
-    std::sort(paths.begin(), paths.end());
+  for (const char* name : {"t/f", "t/a/f", "t/a/b/f", "t/a/b/c/f", "t/d/f", "t/d/g.TXT", "t/u/\xFF",
+                           "star/*/x", "star/a/b/f"})
+    dir.write(name, "x");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(dir.path("t"));
+  std::filesystem::create_directory_symlink("a", "link");
+  std::filesystem::create_directory("empty");
+  check_cases("front/walk", [](const strings& c) {
+    zkportdir::stdin_stream_ex stream;
+    const filter_list filters = c[2].empty() ? filter_list() : compiled(c[2]);
+    if (!stream.open_walk(c[0], number32(c[1]), filters)) return string("refused");
+    std::multiset<string> paths;
+    for (string path; stream.read_line(path, true);) paths.insert(path + ",");
     return std::accumulate(paths.begin(), paths.end(), string());
-  };
-  check_cases("front/walk", shown);
-  dir.write("*/x", "x");  // a folder of that name ends the expansion
-  EXPECT_EQ(shown({"*/b/", "0", ""}), "a/b/f,");
-  EXPECT_EQ(walked("", "", 3), strings{"refused"});
-  for (const string& nothing : {root + "none", root + "f", root + "empty/*/", string("bad\xFF/"),
-                                std::filesystem::path(dir.path()).filename().string()}) {
-    EXPECT_EQ(walked("", nothing, 3), strings{}) << nothing;
-  }
-  std::vector<zkportdir::_DIR_NODE_STL> listing;
-  EXPECT_TRUE(zkportdir::read_folder(root, listing, 4, false, true));
-  strings files;  // within a folder the order is the reverse of the listing's
-  for (const auto& node : listing) {
-    EXPECT_EQ(node.depth, node.is_dir ? 5u : 4u);
-    EXPECT_TRUE(node.path.ends_with('/') == node.is_dir && node.name.empty() == node.is_dir);
-    if (!node.is_dir) files.insert(files.begin(), node.name + ",");
-  }
-  EXPECT_EQ(walked(root, root, 0), files);
-  std::vector<zkportdir::_DIR_NODE> nodes;
-  zkportdir::list_dir(std::wstring(root.begin(), root.end()) + L"d", L"*.txt", nodes);
-  EXPECT_TRUE(nodes.size() == 1 && nodes[0].name == L"g.TXT");
+  });
+  check_cases("front/list", [](const strings& c) {
+    std::vector<zkportdir::_DIR_NODE> nodes;
+    zkportdir::list_dir(zk::utf8_to_wide(c[0]), zk::utf8_to_wide(c[1]), nodes);
+    std::multiset<string> entries;
+    for (const auto& [path, name, is_dir, is_long, depth] : nodes)
+      entries.insert(joined(zk::wide_to_utf8(path), zk::wide_to_utf8(name), is_dir, depth) + ",");
+    return std::accumulate(entries.begin(), entries.end(), string());
+  });
+  std::filesystem::current_path(before);
 }
 
 }  // namespace

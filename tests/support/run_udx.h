@@ -20,14 +20,18 @@ inline std::string quoted(const std::string& text) {
   return made + "'";
 }
 
-// Runs the program behind a shell's `setup`.
-inline run_result run_udx(const strings& arguments, const std::string& setup = "",
-                          const std::string& input = "") {
+// Runs a shell's lines, with standard streams and no other open.
+inline run_result run_shell(const std::string& lines) {
   const temp_dir streams;
-  std::string command = setup + " exec " + quoted(UDX_PROGRAM);
-  for (const std::string& argument : arguments) command += " " + quoted(argument);
-  command += " <" + streams.write("in", input) + " >" + streams.path("out");
-  const int ended = std::system((command + " 2>" + streams.path("err")).c_str());
-  return {read_file(streams.path("out")), read_file(streams.path("err")),
+  const std::string out = streams.path("out"), err = streams.path("err");
+  const int ended =
+      std::system(("exec </dev/null 3>&- >" + out + " 2>" + err + "\n" + lines).c_str());
+  return {read_file(out), read_file(err),
           WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
+}
+
+inline run_result run_udx(const strings& arguments) {
+  std::string line = quoted(UDX_PROGRAM);
+  for (const std::string& argument : arguments) line += " " + quoted(argument);
+  return run_shell(line);
 }

@@ -1,0 +1,68 @@
+# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library of
+# faults $shim.
+
+# Makes the inputs that take no builder, beside those of cases_test.cpp.
+make_rest() {
+  ln -s "$udx" udx
+  mkdir -p MSHist a/b
+  for name in two.dat MSHist/index.dat a/index.dat a/b/deep.dat; do cp one.dat $name; done
+  touch -d @1000000000 one.dat index.dat
+  touch -d @1600000000 two.dat
+  ln -s b a/link
+  mkfifo -m 600 fifo
+  : >empty
+  head -c 9000 /dev/zero | tr '\0' '?' >noise
+  echo x >"$(printf '\377')"
+  chmod 400 index.dat
+}
+
+# Goes to a fresh copy of the inputs.
+fresh() { rm -rf work && cp -a inputs work && cd work || exit; }
+
+# The program with the library of faults ahead of it.
+faulty() { LD_PRELOAD=$shim ./udx "$@"; }
+
+# So many times x, and long runs of it as their length.
+xs() { head -c "$1" /dev/zero | tr '\0' x; }
+counted() { sed -E 's/x{4095}/<4095>/g; s/x{905}/<905>/g; s/x{300}/<300>/g; s/x{257}/<257>/g'; }
+
+# Doubles packed until it is of 32 MiB.
+grow() {
+  while [ "$(stat -c %s packed)" -lt 33554432 ]; do cat packed packed >x && mv x packed; done
+}
+
+# The types of the rows of each real index, against the signatures on its grid.
+real() {
+  find "$UDX_CORPUS" -name index.dat >list
+  while read -r file; do
+    od -An -v -tx1 -w128 "$file" | sed -En '1d; s/^ 55 52 4c 20.*/URL /p; s/^ 4c 45 41 4b.*/LEAK/p
+      s/^ 52 45 44 52.*/REDR/p' >grid
+    ./udx -quiet -f "$file" | sed 1,5d | cut -d, -f9 | diff grid - || echo "$file"
+  done <list
+  [ -s list ]
+}
+
+# Everything about the files but `rows`.
+facts() { find . -mindepth 1 ! -name rows -exec stat -c '%n %a %s %y %z' {} + -type f -exec md5sum {} +; }
+
+# What a run changes in the files, and its calls that could change any but `rows`.
+traced() {
+  local status trace="strace -f -o ../trace -e trace=%file,ftruncate,fchmod,fallocate"
+  export ASAN_OPTIONS=detect_leaks=0
+  strace -o ../trace true 2>/dev/null || trace=
+  find . -type f -exec chmod 400 {} +
+  facts >../before
+  : >../trace
+  $trace ./udx "$@" >../results 2>&1
+  status=$?
+  facts | diff ../before -
+  grep -E 'O_WRONLY|O_RDWR|O_CREAT|O_TRUNC|unlink|rename|trunc|chmod|utime|fallocate|mknod' ../trace |
+    grep -v '"rows"'
+  return $status
+}
+
+# Runs a command where nothing can be written.
+mounted() {
+  unshare -m sh -c 'mount --bind . . && mount -o remount,bind,ro . && cd "$PWD" &&
+    ! touch x 2>/dev/null && exec "$@"' sh "$@"
+}

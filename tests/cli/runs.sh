@@ -1,5 +1,5 @@
-# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library of
-# faults $shim.
+# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library
+# of faults $shim.
 
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {
@@ -43,7 +43,9 @@ real() {
 }
 
 # Everything about the files but `rows`.
-facts() { find . -mindepth 1 ! -name rows -exec stat -c '%n %a %s %y %z' {} + -type f -exec md5sum {} +; }
+facts() {
+  find . -mindepth 1 ! -name rows -exec stat -c '%n %a %s %y %z' {} + -type f -exec md5sum {} +
+}
 
 # What a run changes in the files, and its calls that could change any but `rows`.
 traced() {

@@ -85,7 +85,7 @@ TEST(Filter, TimeSpan) {
 TEST(Walk, FoldersDepthAndFilters) {
   const temp_dir dir;
   for (const char* name : {"t/f", "t/a/f", "t/a/b/f", "t/a/b/c/f", "t/d/f", "t/d/g.TXT", "t/u/\xFF",
-                           "star/*/x", "star/a/b/f"})
+                           "t/u/\xC0\xAFx", "star/*/x", "star/a/b/f"})
     dir.write(name, "x");
   const auto before = std::filesystem::current_path();
   std::filesystem::current_path(dir.path("t"));

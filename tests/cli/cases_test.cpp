@@ -1,10 +1,11 @@
 // Whole runs of the program, as cases.txt and faults.txt tell: a shell's lines, and all that came.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 
+#include <cstdlib>
 #include <map>
 
 #include "tests/support/case_file.h"
-#include "tests/support/run_udx.h"
 #include "tests/support/temp_dir.h"
 #include "tests/support/vmdk_builder.h"
 #include "tools/sample_records.h"
@@ -13,6 +14,27 @@ namespace {
 
 using sample::record;
 using std::string;
+
+struct run_result {
+  string out, err;
+  int status;  // as a shell sees it; 128 and more for a signal
+};
+
+// Runs a shell's lines, with the standard streams and no descriptor 3.
+run_result run_shell(const string& lines) {
+  const temp_dir streams;
+  const string out = streams.path("out"), err = streams.path("err");
+  const int ended =
+      std::system(("exec </dev/null 3>&- >" + out + " 2>" + err + "\n" + lines).c_str());
+  return {read_file(out), read_file(err),
+          WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
+}
+
+string quoted(const string& text) {
+  string made = "'";
+  for (const char c : text) made += c == '\'' ? "'\\''" : string(1, c);
+  return made + "'";
+}
 
 void replace(string& text, const string& from, const string& to, const string& with) {
   for (size_t at; (at = text.find(from)) != string::npos;)
@@ -39,8 +61,8 @@ struct Runs : testing::Test {
     std::filesystem::resize_file(dir.path("inputs/" + file), size);
   }
   void make_disk(const string& file, const string& parent,
-                 const std::map<uint32_t, string>& records) const {
-    vmdk_builder made{vmdk_builder::keys(file, parent)};
+                 const std::map<uint32_t, string>& records, uint32_t tables = 2) const {
+    vmdk_builder made{vmdk_builder::keys(file, parent), {}, tables};
     for (const auto& [grain, url] : records) (made.grains[grain] = record_bytes(url)).resize(4096);
     dir.write("inputs/" + file, made.bytes());
   }
@@ -54,6 +76,9 @@ struct Runs : testing::Test {
     make("many", 500000, many);
     make_disk("base", "ffffffff", {{20, "a"}, {35, "c"}});
     make_disk("leaf", "base", {{21, "b"}, {36, "d"}});
+    make_disk("first", "ffffffff", {{200, "o"}}, 8);
+    make_disk("mid", "first", {}, 8);
+    make_disk("new", "mid", {{200, "n"}}, 8);
     dir.write("inputs/packed", record::redr("r").bytes());
     dir.write("inputs/index.dat", sample::small_index().bytes());
     EXPECT_EQ(run("cd inputs && make_rest").err, "");
@@ -70,7 +95,7 @@ struct Runs : testing::Test {
     replace(found.out, "udx - limited", "\"\n\n", "details\n");
     replace(found.err, source_file("tests/cli/help.txt"), "", "help");
     for (string* const text : {&found.out, &found.err}) {
-      replace(*text, narrow_wipe, "\r", "");
+      replace(*text, narrow_wipe, "", "%");
       replace(*text, wide_wipe, "", "~");
     }
     strings lines = cells(found.out, '\n');

@@ -129,8 +129,10 @@ TEST(PartitionMap, VolumesOfABootRecord) {
     bytes disk(number(c[1]));
     for (size_t i = 2; i < c.size(); ++i) {
       const strings words = cells(c[i], ' ');
-      const auto record = disk.begin() + static_cast<ptrdiff_t>(number(words[0]));
-      auto entry = record + 446;
+      const uint64_t at = number(words[0]);
+      disk.resize(std::max(disk.size(), at + 512));
+      uint8_t* const record = &disk[at];
+      uint8_t* entry = record + 446;
       for (size_t n = 1; n < words.size(); ++n) {
         const strings values = cells(words[n]);
         if (values.size() == 1) {
@@ -146,7 +148,7 @@ TEST(PartitionMap, VolumesOfABootRecord) {
       record[511] = 0xAA;
     }
     VOLUME_LIST volumes(3);
-    string text = joined(partition_map(disk.data(), disk.size(), volumes, c[0] == "carving"));
+    string text = joined(partition_map(disk.data(), number(c[1]), volumes, c[0] == "carving"));
     for (const auto& v : volumes)
       text += " " + joined(v.m_start_sector, v.m_num_sectors, v.m_type, v.m_sector_size,
                            v.m_file_system, v.m_sectors_per_cluster);

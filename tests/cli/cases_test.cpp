@@ -20,22 +20,6 @@ struct run_result {
   int status;  // as a shell sees it; 128 and more for a signal
 };
 
-// Runs a shell's lines, with the standard streams and no descriptor 3.
-run_result run_shell(const string& lines) {
-  const temp_dir streams;
-  const string out = streams.path("out"), err = streams.path("err");
-  const int ended =
-      std::system(("exec </dev/null 3>&- >" + out + " 2>" + err + "\n" + lines).c_str());
-  return {read_file(out), read_file(err),
-          WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
-}
-
-string quoted(const string& text) {
-  string made = "'";
-  for (const char c : text) made += c == '\'' ? "'\\''" : string(1, c);
-  return made + "'";
-}
-
 void replace(string& text, const string& from, const string& to, const string& with) {
   for (size_t at; (at = text.find(from)) != string::npos;)
     text.replace(at, std::min(text.find(to, at + from.size()), text.size()) + to.size() - at, with);
@@ -84,10 +68,13 @@ struct Runs : testing::Test {
     EXPECT_EQ(run("cd inputs && make_rest").err, "");
   }
 
+  // Runs a shell's lines, with the standard streams and no descriptor 3.
   run_result run(const string& lines) const {
-    return run_shell("udx=" + quoted(UDX_PROGRAM) + " shim=" + quoted(UDX_SHIM) + " && cd " +
-                     dir.path() + " && . " + quoted(UDX_SOURCE "/tests/cli/runs.sh") + "\n" +
-                     lines);
+    const string script = "exec </dev/null 3>&- >out 2>err; udx='" UDX_PROGRAM "' shim='" UDX_SHIM
+                          "'; . '" UDX_SOURCE "/tests/cli/runs.sh'\n";
+    const int ended = std::system(("cd " + dir.path() + "; " + script + lines).c_str());
+    return {read_file(dir.path("out")), read_file(dir.path("err")),
+            WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
   }
   string shown(const string& line) const {
     run_result found = run("fresh\n" + line);

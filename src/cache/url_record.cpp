@@ -57,7 +57,7 @@ bool read_header_text(url_record& record, const record_bytes& bytes) {
     length = room - fixed_size;
   }
   if (start + length > room) return true;
-  length = std::min(length, room - start);  // the sum above may have wrapped
+  length = std::min(length, room - start);  // beyond 2 GiB the sum may have wrapped
   if (length == 0) return false;
 
   const uint8_t* const text = bytes.begin + start;

@@ -6,9 +6,8 @@
 
 #include "cache/index_dat.h"
 #include "tests/support/case_file.h"
-#include "tests/support/vmdk_builder.h"
-#include "text/zk_string.h"
 #include "tools/sample_records.h"
+#include "tools/vmdk_builder.h"
 
 namespace {
 
@@ -101,40 +100,27 @@ void seed_disks() {
   seed("partitions", std::string(512, '\0') + disk);
 }
 
-// The inputs of each case of a table, tests/FOLDER/cases.txt.
-std::vector<strings> cases_of(const std::string& folder, const std::string& kind) {
-  std::vector<strings> found;
-  for (const std::string& line : cells(source_file("tests/" + folder + "/cases.txt"), '\n')) {
-    strings parts = cells(line.substr(0, line.find(" =>")), '|');
-    for (std::string& part : parts) {
-      zk::trim(part);
-      part = unescaped(part);
-    }
-    if (parts[0] == kind) found.emplace_back(parts.begin() + 1, parts.end());
-  }
-  return found;
-}
-
 void seed_texts() {
   std::string words;
-  for (const strings& c : cases_of("front", "option")) {
-    seed("options", apart_by_nul(c));
-    for (const std::string& each : c) {
+  for (const test_case& c : cases_of("front/option")) {
+    seed("options", apart_by_nul(c.inputs));
+    for (const std::string& each : c.inputs) {
       if (each.starts_with('-') && each.find_first_of("\"\\") == std::string::npos) {
         words += "\"" + each + "\"\n";
       }
     }
   }
   std::ofstream(root / "options.dict") << words;
-  for (const strings& c : cases_of("front", "filter")) {
-    seed("filter", apart_by_nul({c[0], c.back(), "DE AD|4"}));
+  for (const test_case& c : cases_of("front/filter")) {
+    seed("filter", apart_by_nul({c.inputs[0], c.inputs.back(), "DE AD|4"}));
   }
   const std::string moment = le(sample::filetime_of(2009, 7, 21, 18, 4, 5) + 1234567, 8);
-  for (const char* kind : {"date_mask", "time_mask", "time", "date"}) {
-    for (const strings& c : cases_of("time", kind)) {
-      const std::string date = kind == std::string("date") ? c[0] : "2020-1-5";
-      seed("times", moment + apart_by_nul({c[0], c[0], date, c[0], "YMD-"}));
-    }
+  for (const test_case& c : cases_of("time/mask")) {
+    seed("times", moment + apart_by_nul({c.inputs[0], c.inputs[1], "2020-1-5", "1:2:3", "YMD-"}));
+  }
+  for (const test_case& c : cases_of("time/parsed")) {
+    const std::string order = c.inputs[1] + c.inputs[2];
+    seed("times", moment + apart_by_nul({"mm/dd/yy", "hh:mm:ss", c.inputs[0], c.inputs[3], order}));
   }
   seed("utf8", "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
   seed("utf8", le(0xD800, 4) + le(0x10FFFF, 4) + le(0x110000, 4));

@@ -7,8 +7,8 @@
 
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
-#include "tests/support/vmdk_builder.h"
 #include "tools/sample_records.h"
+#include "tools/vmdk_builder.h"
 
 namespace {
 

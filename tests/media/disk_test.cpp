@@ -10,9 +10,9 @@
 #include "media/raw_disk_io.h"
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
-#include "tests/support/vmdk_builder.h"
 #include "text/zk_wide.h"
 #include "tools/index_builder.h"
+#include "tools/vmdk_builder.h"
 
 namespace {
 

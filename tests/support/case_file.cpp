@@ -13,6 +13,12 @@ strings cells(const std::string& row, char separator) {
   return found;
 }
 
+std::string source_file(const std::string& name) {
+  return read_file(UDX_SOURCE "/" + name);
+}
+
+namespace {
+
 std::string unescaped(const std::string& text) {
   std::string out;
   for (size_t i = 0; i < text.size(); ++i) {
@@ -26,16 +32,13 @@ std::string unescaped(const std::string& text) {
   return out;
 }
 
-std::string source_file(const std::string& name) {
-  return read_file(UDX_SOURCE "/" + name);
-}
+}  // namespace
 
-void check_cases(const std::string& cases,
-                 const std::function<std::string(const strings& inputs)>& shown) {
-  const size_t slash = cases.rfind('/');
-  std::string file = "tests/" + cases.substr(0, slash);
+std::vector<test_case> cases_of(const std::string& table) {
+  const size_t slash = table.rfind('/');
+  std::string file = "tests/" + table.substr(0, slash);
   if (!file.ends_with(".txt")) file += "/cases.txt";
-  int count = 0;
+  std::vector<test_case> found;
   for (const std::string& line : cells(source_file(file), '\n')) {
     const size_t arrow = std::min(line.find(" =>"), line.size());
     strings parts = cells(line.substr(0, arrow), '|');
@@ -44,9 +47,15 @@ void check_cases(const std::string& cases,
       part.erase(part.find_last_not_of(' ') + 1).erase(0, part.find_first_not_of(' '));
       part = unescaped(part);
     }
-    if (parts[0] != cases.substr(slash + 1)) continue;
-    EXPECT_EQ(shown({parts.begin() + 1, parts.end() - 1}), parts.back()) << line;
-    ++count;
+    if (parts[0] == table.substr(slash + 1))
+      found.push_back({line, {parts.begin() + 1, parts.end() - 1}, parts.back()});
   }
-  EXPECT_GT(count, 0) << cases;
+  if (found.empty()) throw std::runtime_error("no cases: " + table);
+  return found;
+}
+
+void check_cases(const std::string& table,
+                 const std::function<std::string(const strings& inputs)>& shown) {
+  for (const auto& [line, inputs, expected] : cases_of(table))
+    EXPECT_EQ(shown(inputs), expected) << line;
 }

@@ -14,14 +14,20 @@ using strings = std::vector<std::string>;
 // The cells of a row.
 strings cells(const std::string& row, char separator = ',');
 
-std::string unescaped(const std::string& text);
-
 // What a file of the source tree holds.
 std::string source_file(const std::string& name);
 
-// Expects of each case of "FOLDER/KIND", or "FOLDER/NAME.txt/KIND", what stands behind its arrow,
-// and one case at least.
-void check_cases(const std::string& cases,
+struct test_case {
+  std::string line;
+  strings inputs;
+  std::string expected;
+};
+
+// The cases of "FOLDER/KIND", or "FOLDER/NAME.txt/KIND". Throws if there is none.
+std::vector<test_case> cases_of(const std::string& table);
+
+// Expects of each case what stands behind its arrow.
+void check_cases(const std::string& table,
                  const std::function<std::string(const strings& inputs)>& shown);
 
 inline uint64_t number(const std::string& text) {

@@ -48,8 +48,3 @@ inline std::string read_file(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
   return {std::istreambuf_iterator<char>(in), {}};
 }
-
-inline std::vector<uint8_t> read_bytes(const std::string& path) {
-  const std::string text = read_file(path);
-  return {text.begin(), text.end()};
-}

@@ -23,7 +23,8 @@ TEST(Scan, TellsWhatItMet) {
   EXPECT_FALSE(add_record(table, opts, &noise[128], 896, 128));
   // A string of noise can be as long as the buffer: a count too large is refused before its copy.
   EXPECT_EQ(table.decoded_redr.url, "");
-  for (int i = 0; i < 2; ++i) EXPECT_TRUE(add_record(table, opts, good.data(), 128, 128));
+  EXPECT_FALSE(add_record(table, opts, good.data(), 16, 128));
+  for (int i = 0; i < 2; ++i) EXPECT_TRUE(add_record(table, opts, good.data(), 17, 128));
   for (const auto& [size, found] : {std::pair{3u, no_record}, {132u, no_record}, {133u, 128u}})
     EXPECT_EQ(find_next_record(noise.data(), size), found) << size;
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);

@@ -44,13 +44,4 @@ TEST(Row, Lines) {
   });
 }
 
-TEST(Row, SourceName) {
-  cmd_opts opts;
-  EXPECT_EQ(source_name(opts), "");
-  opts.vmdk_paths = {L"/a.vmdk", L"\xE4.vmdk"};
-  EXPECT_EQ(source_name(opts), "/a.vmdk; \xC3\xA4.vmdk");
-  opts.partition_path = "c";
-  EXPECT_EQ(source_name(opts), "c:\\");
-}
-
 }  // namespace

@@ -4,14 +4,12 @@
 
 #include <sstream>
 
-#include "cache/parse_input.h"
 #include "media/disk_chain_check.h"
 #include "media/partition_map.h"
 #include "media/raw_disk_io.h"
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 #include "text/zk_wide.h"
-#include "tools/index_builder.h"
 #include "tools/vmdk_builder.h"
 
 namespace {
@@ -89,10 +87,7 @@ TEST_F(disk_test, TheListCheck) {
     std::vector<std::wstring> suggested;
     const bool result = disk_chain_check(paths(c, 0), text, suggested);
     for (const std::wstring& path : suggested) text << '[' << zk::wide_to_utf8(path) << ']';
-    string out = joined(result, text.str());
-    for (size_t at; (at = out.find(dir.path())) != string::npos;)
-      out.replace(at, dir.path().size(), "~");
-    return out;
+    return replaced(joined(result, text.str()), dir.path(), "~");
   });
 }
 
@@ -108,20 +103,6 @@ TEST_F(disk_test, Reads) {
   uint32_t count = 10;
   EXPECT_FALSE(RAW_DISK_IO(paths({"base.vmdk"}, 0), false).read(nullptr, count, 0));
   EXPECT_FALSE(RAW_DISK_IO("", false).is_open() || RAW_DISK_IO(dir.path("none"), false).is_open());
-}
-
-TEST_F(disk_test, TheRoadBehindPartition) {
-  cmd_opts opts;
-  opts.partition_path =
-      dir.write("disk", sample::index_file().add(sample::record::redr("r")).bytes());
-  std::ostringstream rows;
-  testing::internal::CaptureStderr();
-  EXPECT_TRUE(parse_input(rows, opts));
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            narrow_wipe + "percent done: 0\r" + wide_wipe + "success");
-  EXPECT_EQ(rows.str(), header_line + ",,,,,,,,REDR,r,,,0,,0,," + opts.partition_path + ":\\\n");
-  opts.partition_path = dir.path("none");
-  EXPECT_FALSE(parse_input(rows, opts));
 }
 
 TEST(PartitionMap, VolumesOfABootRecord) {

@@ -14,6 +14,12 @@ using strings = std::vector<std::string>;
 // The cells of a row.
 strings cells(const std::string& row, char separator = ',');
 
+// A text with `to` for each `from`.
+inline std::string replaced(std::string text, const std::string& from, const std::string& to) {
+  for (size_t at; (at = text.find(from)) != std::string::npos;) text.replace(at, from.size(), to);
+  return text;
+}
+
 // What a file of the source tree holds.
 std::string source_file(const std::string& name);
 

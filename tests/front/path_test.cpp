@@ -1,4 +1,4 @@
-// Paths: their text, the filters that take them, and the walk that finds them, as cases.txt tells.
+// Paths: the filters that take them, and the walk that finds them, as cases.txt tells.
 #include <gtest/gtest.h>
 #include <utime.h>
 
@@ -10,7 +10,6 @@
 #include "front/portdir/zk_portable_dir.h"
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
-#include "text/path_text.h"
 #include "text/zk_wide.h"
 
 namespace {
@@ -26,14 +25,6 @@ filter_list compiled(const string& text) {
 bool takes(const filter_list& filters, const string& path, const cmd_params& span = {}) {
   file_stat stat;
   return filter_match(span, path, filters, stat);
-}
-
-TEST(PathText, Splitting) {
-  check_cases("front/split", [](const strings& c) {
-    string folder = "x", name = "x";
-    EXPECT_EQ(split_path(c[0], folder, name), !c[0].empty());
-    return joined(folder, name);
-  });
 }
 
 TEST(Filter, TextAndPathsTaken) {

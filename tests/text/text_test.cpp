@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "tests/support/case_file.h"
+#include "text/path_text.h"
 #include "text/zk_environment.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"
@@ -43,6 +44,7 @@ string called(strings c) {
   if (name == "expand") return zk::expand_environment(text, other == "vss");
   if (name == "shown")
     return joined(zk::printable_text(out, bytes, size, other == "lines", fill), out);
+  if (name == "split") return joined(split_path(text, other, out), other, out);
   if (name == "replace") zk::replace_char(text, other[0], other[1], any_case);
   return text;
 }

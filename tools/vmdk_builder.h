@@ -1,6 +1,7 @@
 // Builds small sparse extents: one sector for each table, grains of 4 KiB.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -13,8 +14,6 @@ struct vmdk_builder {
   std::string descriptor;
   std::map<uint32_t, std::vector<uint8_t>> grains = {};  // by number; shorter ones end the file
   uint32_t tables = 2;
-
-  static constexpr uint32_t grain_bytes = 4096;
 
   static std::string keys(const std::string& cid, const std::string& parent,
                           const std::string& more = "") {

@@ -1,6 +1,6 @@
 // The same bytes read whole and in the blocks of a large file. The input lies around the border of
 // the first two blocks; its first byte says where.
-#include "cache/input_roads.h"
+#include "cache/block_readers.h"
 #include "fuzz/support.h"
 
 namespace {

@@ -3,7 +3,7 @@
 
 #include "cache/row_writer.h"
 #include "front/arguments.h"
-#include "front/cmd_opts.h"
+#include "front/opts/cmd_opts.h"
 #include "fuzz/support.h"
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {

@@ -8,7 +8,7 @@
 #include "cache/record_signature.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
-#include "front/cmd_opts.h"
+#include "front/opts/cmd_opts.h"
 
 // Its texts stand one behind the other in the table that it belongs to, so that a row takes no
 // memory of its own beyond its size.

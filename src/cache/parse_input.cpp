@@ -6,8 +6,8 @@
 #include <optional>
 #include <vector>
 
+#include "cache/block_readers.h"
 #include "cache/index_dat.h"
-#include "cache/input_roads.h"
 #include "cache/record_scan.h"
 #include "cache/row_writer.h"
 #include "uni/fileio.h"

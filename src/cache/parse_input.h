@@ -3,7 +3,7 @@
 
 #include <ostream>
 
-#include "front/cmd_opts.h"
+#include "front/opts/cmd_opts.h"
 
 // Searches the input that `opts` names, a file or else a raw source, and writes the header line, if
 // it is still pending, and the rows to `out`. The header line isn't written for a file that can't

@@ -9,7 +9,7 @@
 #include <string_view>
 
 #include "cache/record_table.h"
-#include "front/cmd_opts.h"
+#include "front/opts/cmd_opts.h"
 #include "text/text_line.h"
 #include "time/time_format.h"
 #include "time/zk_time.h"

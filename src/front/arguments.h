@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "front/cmd_params.h"
+#include "front/opts/cmd_params.h"
 
 // One entry for each of `argv`; a null one becomes empty.
 argument_list make_argument_list(int argc, const char* const* argv);

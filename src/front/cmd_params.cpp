@@ -1,4 +1,4 @@
-#include "front/cmd_params.h"
+#include "front/opts/cmd_params.h"
 
 #include <cstdarg>
 #include <cstdio>

@@ -9,9 +9,9 @@
 
 #include "cache/parse_input.h"
 #include "front/arguments.h"
-#include "front/cmd_opts.h"
 #include "front/cmdline_ctx.h"
 #include "front/host_info.h"
+#include "front/opts/cmd_opts.h"
 #include "front/path_match.h"
 #include "front/portdir/stdin_stream_ex.h"
 #include "front/run_header.h"

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "front/cmd_params.h"
-#include "front/path_filter.h"
+#include "front/opts/cmd_params.h"
+#include "front/opts/path_filter.h"
 
 using filter_list = std::vector<path_filter>;
 

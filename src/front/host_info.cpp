@@ -8,20 +8,13 @@
 
 #include <array>
 #include <climits>
-#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <iterator>
 #include <string_view>
-#include <vector>
 
-#include "text/zk_number.h"
 #include "text/zk_string.h"
-#include "uni/fileio.h"
 
 namespace {
-
-constexpr uint32_t largest_version_file = 0x10000;
 
 // Replaces every `what`. An empty one is nowhere.
 std::string replaced(std::string text, const std::string& what, const std::string& with) {
@@ -111,30 +104,5 @@ void host_info_write(const host_info& info, std::ostringstream& out, const std::
   if (with_stem && !info.stem.empty()) {
     std::string stem = replaced(info.stem, separator, replacement);
     out << separator << zk::to_lower(stem);
-  }
-}
-
-void read_system_version(cmd_params& params, const char* path) {
-  std::vector<uint8_t> bytes;
-  if (!uni::load_file(bytes, path, largest_version_file)) return;
-  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-  constexpr std::string_view key = ">ProductVersion<";
-  constexpr std::string_view opening = "<string>";
-  const size_t key_at = text.find(key);
-  if (key_at == std::string_view::npos) return;
-  const size_t opening_at = text.find(opening, key_at);
-  if (opening_at == std::string_view::npos) return;
-  const size_t begin = opening_at + opening.size();
-  const size_t end = text.find("</s", begin);
-  if (end == std::string_view::npos) return;
-  params.os_product_version = text.substr(begin, end - begin);
-
-  const auto numbers = zk::split_trimmed(params.os_product_version, ".");
-  int32_t* const targets[] = {&params.os_version_major, &params.os_version_minor,
-                              &params.os_version_patch};
-  for (size_t i = 0; i < numbers.size() && i < std::size(targets); ++i) {
-    uint32_t number = 0;
-    zk::read_number(numbers[i].c_str(), number);
-    *targets[i] = static_cast<int32_t>(number);
   }
 }

@@ -4,8 +4,6 @@
 #include <sstream>
 #include <string>
 
-#include "front/cmd_params.h"
-
 // The path of the program's own file; empty if unknown.
 std::string probe_exe_path();
 
@@ -37,9 +35,3 @@ void host_info_read(host_info& info, const std::string& path);
 // each separator inside a text. The stream is emptied first.
 void host_info_write(const host_info& info, std::ostringstream& out, const std::string& separator,
                      const std::string& replacement, bool with_node, bool with_stem);
-
-inline constexpr const char* system_version_file =
-    "/System/Library/CoreServices/SystemVersion.plist";
-
-// Reads the product version out of such a file into `params`. Nothing follows where there is none.
-void read_system_version(cmd_params& params, const char* path);

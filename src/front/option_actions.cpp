@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <memory>
 #include <string_view>
@@ -12,6 +13,7 @@
 
 #include "front/arguments.h"
 #include "text/path_text.h"
+#include "text/zk_number.h"
 #include "text/zk_string.h"
 #include "time/time_parse.h"
 #include "time/zk_time.h"
@@ -20,6 +22,7 @@
 namespace {
 
 constexpr std::string_view end_of_day = "23:59:59";
+constexpr uint32_t largest_version_file = 0x10000;
 
 // Splits pairs of an alias option. False if nothing is there to split.
 bool split_pairs(const std::string& value, std::vector<std::string>& pieces) {
@@ -214,4 +217,29 @@ bool enable_quoted_fields(cmd_params& params, argument_list& /*args*/,
   params.delim_char = 0;
   params.field_pad = false;
   return true;
+}
+
+void read_system_version(cmd_params& params, const char* path) {
+  std::vector<uint8_t> bytes;
+  if (!uni::load_file(bytes, path, largest_version_file)) return;
+  const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+  constexpr std::string_view key = ">ProductVersion<";
+  constexpr std::string_view opening = "<string>";
+  const size_t key_at = text.find(key);
+  if (key_at == std::string_view::npos) return;
+  const size_t opening_at = text.find(opening, key_at);
+  if (opening_at == std::string_view::npos) return;
+  const size_t begin = opening_at + opening.size();
+  const size_t end = text.find("</s", begin);
+  if (end == std::string_view::npos) return;
+  params.os_product_version = text.substr(begin, end - begin);
+
+  const auto numbers = zk::split_trimmed(params.os_product_version, ".");
+  int32_t* const targets[] = {&params.os_version_major, &params.os_version_minor,
+                              &params.os_version_patch};
+  for (size_t i = 0; i < numbers.size() && i < std::size(targets); ++i) {
+    uint32_t number = 0;
+    zk::read_number(numbers[i].c_str(), number);
+    *targets[i] = static_cast<int32_t>(number);
+  }
 }

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "front/cmd_params.h"
+#include "front/opts/cmd_params.h"
 
 // What the output forms have in common: each clears these flags, sets its own and has a separator.
 // Deliberate: that of -csvgen is never cleared.
@@ -32,3 +32,9 @@ bool set_time_format(cmd_params& params, argument_list& args, const std::string&
 
 // Trims the separator unless it holds a tab, and quotes nothing.
 bool enable_quoted_fields(cmd_params& params, argument_list& args, const std::string& value);
+
+inline constexpr const char* system_version_file =
+    "/System/Library/CoreServices/SystemVersion.plist";
+
+// Reads the product version out of such a file into `params`. Nothing follows where there is none.
+void read_system_version(cmd_params& params, const char* path);

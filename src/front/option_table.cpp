@@ -6,10 +6,9 @@
 #include <type_traits>
 
 #include "front/arguments.h"
-#include "front/cmd_params.h"
 #include "front/filter_text.h"
-#include "front/host_info.h"
 #include "front/option_actions.h"
+#include "front/opts/cmd_params.h"
 #include "gate/licence_gate.h"
 #include "text/path_text.h"
 #include "text/zk_number.h"
@@ -19,52 +18,51 @@ namespace {
 
 using params = cmd_params;
 using list = argument_list;
-using text = const std::string;
 
 enum class kind { flag, value, repeated_value };
 
 struct option {
   const char* name;
   kind takes;
-  bool (*act)(params& p, list& args, text& value);
+  bool (*act)(params& p, list& args, const std::string& value);
   const char* other_name = nullptr;  // looked for where the first gave nothing
 };
 
 // A flag, and a value, that only set fields.
 template <auto... fields>
-bool set(params& p, list&, text&) {
+bool set(params& p, list&, const std::string&) {
   ((p.*fields = true), ...);
   return true;
 }
 
 template <auto field>
-bool clear(params& p, list&, text&) {
+bool clear(params& p, list&, const std::string&) {
   p.*field = false;
   return true;
 }
 
 template <auto field, auto... flags>
-bool store_text(params& p, list& args, text& value) {
+bool store_text(params& p, list& args, const std::string& value) {
   p.*field = value;
   return set<flags...>(p, args, value);
 }
 
 template <auto field, auto... flags>
-bool store_path(params& p, list& args, text& value) {
+bool store_path(params& p, list& args, const std::string& value) {
   p.*field = expand_env(value, true);
   return set<flags...>(p, args, value);
 }
 
 // What isn't a number stores 0.
 template <auto field, auto... flags>
-bool store_number(params& p, list& args, text& value) {
+bool store_number(params& p, list& args, const std::string& value) {
   uint32_t number = 0;
   zk::read_number(value.c_str(), number);
   p.*field = static_cast<std::remove_reference_t<decltype(p.*field)>>(number);
   return set<flags...>(p, args, value);
 }
 
-bool use_csv(params& p, list&, text&) {
+bool use_csv(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_csv = true;
   p.set_separator(",", false);
@@ -72,7 +70,7 @@ bool use_csv(params& p, list&, text&) {
   return true;
 }
 
-bool use_csvgen(params& p, list&, text&) {
+bool use_csvgen(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_csvgen = true;
   p.set_separator(",", false);
@@ -80,21 +78,21 @@ bool use_csvgen(params& p, list&, text&) {
   return true;
 }
 
-bool use_csvl2t(params& p, list&, text&) {
+bool use_csvl2t(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_csvl2t = p.header_pending = true;
   p.set_separator(",", false);
   return true;
 }
 
-bool use_bodyfile(params& p, list&, text&) {
+bool use_bodyfile(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_bodyfile = p.header_pending = true;
   p.set_separator("|", false);
   return true;
 }
 
-bool use_xml(params& p, list&, text&) {
+bool use_xml(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_xml = true;
   p.header_pending = false;
@@ -102,7 +100,7 @@ bool use_xml(params& p, list&, text&) {
   return true;
 }
 
-bool use_multiline(params& p, list&, text&) {
+bool use_multiline(params& p, list&, const std::string&) {
   clear_output_forms(p);
   p.mode_multiline = p.header_pending = true;
   p.csv_separator.clear();
@@ -110,29 +108,29 @@ bool use_multiline(params& p, list&, text&) {
   return true;
 }
 
-bool refuse_sqlite(params&, list&, text&) {
+bool refuse_sqlite(params&, list&, const std::string&) {
   std::fputs("This option is not offered in this build\n", stderr);
   return false;
 }
 
-bool add_skip_filter(params& p, list& args, text& value) {
+bool add_skip_filter(params& p, list& args, const std::string& value) {
   return add_filter(p.skip_filters, args, value);
 }
 
-bool add_path_filter(params& p, list& args, text& value) {
+bool add_path_filter(params& p, list& args, const std::string& value) {
   return add_filter(p.filters, args, value);
 }
 
-bool add_signature(params& p, list&, text& value) {
+bool add_signature(params& p, list&, const std::string& value) {
   return add_signature_filter(p.filters, value);
 }
 
-bool store_separator(params& p, list&, text& value) {
+bool store_separator(params& p, list&, const std::string& value) {
   p.set_separator(value, false);
   return true;
 }
 
-bool remove_whitespace(params& p, list&, text&) {
+bool remove_whitespace(params& p, list&, const std::string&) {
   p.field_trim = true;
   p.field_pad = false;
   zk::remove_char(p.csv_separator, ' ');

@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <string>
 
-#include "front/cmd_params.h"
 #include "front/filter_text.h"
+#include "front/opts/cmd_params.h"
 
 // A file's modification time, asked for once a path at the most.
 struct file_stat {

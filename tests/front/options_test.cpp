@@ -4,8 +4,9 @@
 #include <algorithm>
 
 #include "front/arguments.h"
-#include "front/cmd_opts.h"
 #include "front/host_info.h"
+#include "front/option_actions.h"
+#include "front/opts/cmd_opts.h"
 #include "tests/support/case_file.h"
 #include "tests/support/temp_dir.h"
 

@@ -5,8 +5,8 @@
 #include <deque>
 #include <string>
 
-#include "front/cmd_params.h"
 #include "front/filter_text.h"
+#include "front/opts/cmd_params.h"
 #include "uni/stdin_stream.h"
 
 namespace zkportdir {

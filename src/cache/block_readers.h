@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "cache/record_scan.h"
-#include "front/cmd_opts.h"
+#include "front/opts/cmd_opts.h"
 
 // A file of more than this goes the large road, all others are read whole.
 inline constexpr int64_t largest_whole_file = 0x1000000;

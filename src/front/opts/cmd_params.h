@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "front/path_filter.h"
+#include "front/opts/path_filter.h"
 #include "time/date_format_context.h"
 #include "time/zk_time.h"
 

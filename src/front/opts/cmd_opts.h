@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "front/cmd_params.h"
+#include "front/opts/cmd_params.h"
 
 struct cmd_opts : cmd_params {
   std::string input_path;      // the file being parsed now

@@ -1,4 +1,4 @@
-#include "cache/input_roads.h"
+#include "cache/block_readers.h"
 
 #include <algorithm>
 #include <vector>

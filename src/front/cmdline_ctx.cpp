@@ -19,7 +19,7 @@ void cmdline_ctx::configure(const cmd_opts& opts, text_hook hook) {
 }
 
 cmdline_ctx::~cmdline_ctx() {
-  if (wipe_progress) uni::clear_line();
+  if (wipe_progress) uni::clear_progress_line();
   if (start_clock != 0) {
     std::ostringstream text;
     text << "->" << zk::ntp64_diff_seconds(zk::ntp64_now(), start_clock) << " secs";

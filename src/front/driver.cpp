@@ -33,7 +33,8 @@ class results_stream {
   // False, with a message, if the results file can't be opened.
   bool open(const cmd_opts& opts) {
     if (opts.out_path.empty()) return true;
-    if (file.open(opts.out_path, true, false, true)) stream = file.attach_output();
+    if (file.open(opts.out_path, uni::fileio::access::write_truncated))
+      stream = file.attach_output();
     if (file.is_open() && stream) return true;
     std::fprintf(stderr, "prob opening results file: %s for writing\n", opts.out_path.c_str());
     return false;

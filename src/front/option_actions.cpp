@@ -127,10 +127,11 @@ bool set_out_path(cmd_params& params, argument_list& args, const std::string& va
   params.out_path = expand_env(value, true);
   zk::replace_char(params.out_path, '\\', '/');
   params.out_path_set = true;
+  using access = uni::fileio::access;
   const bool append = has_option("-append", args, 1);
-  uni::fileio probe(params.out_path, true, false, !append);
-  if (!probe.is_open() && append) probe.open(params.out_path, true, false, true);
-  if (!probe.is_open()) {
+  uni::fileio probe;
+  if (!(append && probe.open(params.out_path, access::write)) &&
+      !probe.open(params.out_path, access::write_truncated)) {
     std::fprintf(stderr, "prob opening file %s for output, aborting\n", params.out_path.c_str());
     return false;
   }

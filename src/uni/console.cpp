@@ -22,12 +22,12 @@ void put(std::FILE* stream, const std::string& text) {
   std::fflush(stream);
 }
 
-// The formatted text, at most `room` - 1 characters of it, and its whole length in `length`.
-[[gnu::format(printf, 2, 0)]] std::string format_text(int room, const char* format,
+// The formatted text, at most `limit` - 1 characters of it, and its whole length in `length`.
+[[gnu::format(printf, 2, 0)]] std::string format_text(int limit, const char* format,
                                                       std::va_list arguments, int& length) {
-  std::string text(static_cast<size_t>(room) + 1, '\0');
-  length = std::vsnprintf(text.data(), static_cast<size_t>(room), format, arguments);
-  text.resize(static_cast<size_t>(std::clamp(length, 0, std::max(room - 1, 0))));
+  std::string text(static_cast<size_t>(limit) + 1, '\0');
+  length = std::vsnprintf(text.data(), static_cast<size_t>(limit), format, arguments);
+  text.resize(static_cast<size_t>(std::clamp(length, 0, std::max(limit - 1, 0))));
   return text;
 }
 

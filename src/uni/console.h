@@ -14,6 +14,11 @@ void fill_standard_streams();
 // Wipes the line: on a terminal by the erase sequence, elsewhere roughly, by blanks.
 void clear_line();
 
+// The same where progress has ended.
+inline void clear_progress_line() {
+  clear_line();
+}
+
 // Wipes the line and writes the formatted text, as printf does.
 // Deliberate: the last character isn't written, so that a text that ends in a line feed leaves the
 // cursor on its line for the next wipe; and a text of more than 4096 characters isn't written at

@@ -27,10 +27,10 @@ fileio::access access_for(bool write, bool truncate) {
   return truncate ? fileio::access::write_truncated : fileio::access::write;
 }
 
-// Resizes `out`, new bytes zero. False if there isn't the memory.
-bool resize_guarded(std::vector<uint8_t>& out, uint64_t size) {
+// Makes `out` that many zeros. False if there isn't the memory.
+bool fill_guarded(std::vector<uint8_t>& out, uint64_t size) {
   try {
-    out.resize(size);
+    out.assign(size, 0);
   } catch (const std::exception&) {
     return false;
   }
@@ -65,10 +65,7 @@ fileio::fileio(std::string_view wanted, bool write, bool keep, bool truncate)
     : fileio(zk::utf8_to_wide(wanted), write, keep, truncate) {}
 
 fileio::fileio(std::wstring wanted, bool write, bool keep, bool truncate) {
-  if (!open(std::move(wanted), write, keep, truncate)) {
-    reset();
-    keep_flag = false;
-  }
+  if (!open(std::move(wanted), write, keep, truncate)) reset();
 }
 
 fileio::~fileio() {
@@ -80,13 +77,22 @@ bool fileio::open(std::string_view wanted, bool write, bool keep, bool truncate)
 }
 
 bool fileio::open(std::wstring wanted, bool write, bool keep, bool truncate) {
+  const bool done = open(std::move(wanted), access_for(write, truncate));
+  if (done) keep_flag = keep;
+  return done;
+}
+
+bool fileio::open(std::string_view wanted, access use) {
+  return open(zk::utf8_to_wide(wanted), use);
+}
+
+bool fileio::open(std::wstring wanted, access use) {
   if (wanted.empty() || memory_mode) return false;
   zk::strip_trailing_slashes(wanted);
   reset();
-  keep_flag = keep;
-  writable = write;
+  writable = use != access::read;
   path = std::move(wanted);
-  const open_mode mode = open_mode_for(access_for(write, truncate));
+  const open_mode mode = open_mode_for(use);
   fd = open_raw(zk::wide_to_utf8(path), mode.flags, mode.creation_mode);
   if (fd == -1) return false;
   opened = true;
@@ -151,7 +157,7 @@ bool fileio::read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offse
   if (count == 0) return true;
   const uint64_t wanted =
       std::min(static_cast<uint64_t>(count), static_cast<uint64_t>(cached_size) - offset);
-  if (out.size() != wanted && !resize_guarded(out, wanted)) return false;
+  if (!fill_guarded(out, wanted)) return false;
   if (memory_mode) {
     std::memcpy(out.data(), memory.data() + offset, wanted);
     memory_pos = offset + wanted;

@@ -21,7 +21,8 @@ inline constexpr int output_buffer_size = 262144;
 
 class fileio {
  public:
-  // What an opened file is for.
+  // What an opened file is for: to be read; to be read and written; or that and created if it is
+  // missing, emptied if it isn't.
   enum class access { read, write, write_truncated };
 
   fileio() = default;
@@ -33,11 +34,14 @@ class fileio {
   fileio& operator=(const fileio&) = delete;
   ~fileio();
 
-  // Opens the file at `path`, a narrow one being UTF-8, less its trailing slashes, for reading; or
-  // for reading and writing where `write` is set, and then with `truncate` created if missing and
-  // emptied. A file that is already open is closed first, without flushing its attached output:
-  // close it yourself. Never blocks. False for an empty path, in memory mode, for a FIFO or a
-  // socket, and when the system refuses. `keep` is stored and changes nothing.
+  // Opens the file at `path`, a narrow one being UTF-8, less its trailing slashes. A file that is
+  // already open is closed first, without flushing its attached output: close it yourself. Never
+  // blocks. False for an empty path, in memory mode, for a FIFO or a socket, and when the system
+  // refuses.
+  [[nodiscard]] bool open(std::string_view path, access use);
+  [[nodiscard]] bool open(std::wstring path, access use);
+  // The same by flags: for reading; or where `write` is set for both, and then with `truncate`
+  // emptied. `keep` is stored and changes nothing.
   bool open(std::string_view path, bool write = false, bool keep = false, bool truncate = false);
   bool open(std::wstring path, bool write = false, bool keep = false, bool truncate = false);
 
@@ -57,33 +61,33 @@ class fileio {
   // Reads at most `count` bytes from `offset` with one system read, and sets `count` to what came,
   // which may be less. False where nothing is open or `offset` is at or past the size, with `count`
   // as it was, and where the read fails, with `count` all ones.
-  bool read_at(void* buffer, uint32_t& count, int64_t offset) const;
+  [[nodiscard]] bool read_at(void* buffer, uint32_t& count, int64_t offset) const;
   // The same for a 64-bit count, which must fit 32 bits. A failed read sets `count` to 0.
-  bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
+  [[nodiscard]] bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
 
-  // Reads `count` bytes from `offset`, or as many as the file has, into `out`, which is resized to
-  // that and then shortened by what could not be read, unless nothing could: then it keeps its
-  // size. A count of 0 leaves `out` alone. False only where nothing is open, `offset` is at or past
-  // the size, or there isn't the memory.
-  bool read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const;
+  // Reads `count` bytes from `offset`, or as many as the file has, into `out`, which takes that
+  // size and is then shortened by what could not be read, unless nothing could: then it holds as
+  // many zeros. A count of 0 leaves `out` alone. False only where nothing is open, `offset` is at
+  // or past the size, or there isn't the memory.
+  [[nodiscard]] bool read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const;
 
   // Write `count` bytes at the end or at `offset` with one system write. False where nothing is
   // open, `bytes` is null or the write fails; a short write counts as done. In memory mode what
   // lies past the block's end is appended to it.
-  bool append(const void* bytes, uint32_t count);
-  bool write_at(const void* bytes, uint32_t count, uint64_t offset);
+  [[nodiscard]] bool append(const void* bytes, uint32_t count);
+  [[nodiscard]] bool write_at(const void* bytes, uint32_t count, uint64_t offset);
   // Appends the stream's text; true if there is none.
-  bool append_text(const std::ostringstream& text);
+  [[nodiscard]] bool append_text(const std::ostringstream& text);
 
   // Changes the file's mode to the number that `mode` gives with a "0" put before it.
   // Deliberate: digits make a decimal number, so "420" is what sets rw-r--r--. Without a
   // descriptor the result says whether the object is in memory mode.
-  bool set_permissions(const std::string& mode);
+  [[nodiscard]] bool set_permissions(const std::string& mode);
 
   // Makes a buffered output stream that appends to this file. The stream belongs to the file; its
   // rows reach the file in blocks and when it is closed. Null if nothing is open or there isn't
   // the memory.
-  std::ostream* attach_output();
+  [[nodiscard]] std::ostream* attach_output();
 
   // Brings the attached output's bytes to the file, then closes it. The object is empty again.
   void close();
@@ -106,11 +110,11 @@ class fileio {
 // Replaces `out` by the first `limit` bytes of the file at `path`, or by all if it has fewer.
 // False for an empty path, a limit of 0, a file that can't be opened or measures 0 in the low 32
 // bits of its size.
-bool load_file(std::vector<uint8_t>& out, std::string_view path, uint32_t limit);
+[[nodiscard]] bool load_file(std::vector<uint8_t>& out, std::string_view path, uint32_t limit);
 
 // Opens a path with open(2) `flags`, never blocking, and returns a descriptor that the caller
 // closes. -1 for an empty path, for a FIFO or a socket, and when the system refuses.
-int open_raw(const std::string& utf8_path, int flags, mode_t mode);
+[[nodiscard]] int open_raw(const std::string& utf8_path, int flags, mode_t mode);
 
 // The open(2) flags and the creation mode for an access.
 struct open_mode {
@@ -120,8 +124,8 @@ struct open_mode {
 open_mode open_mode_for(fileio::access access);
 
 // Fill `record`, which is zeroed first, with the facts of a path or a descriptor.
-bool path_stat(const std::string& utf8_path, struct stat& record);
-bool descriptor_stat(int fd, struct stat& record);
-bool path_exists_stat(const std::string& utf8_path);
+[[nodiscard]] bool path_stat(const std::string& utf8_path, struct stat& record);
+[[nodiscard]] bool descriptor_stat(int fd, struct stat& record);
+[[nodiscard]] bool path_exists_stat(const std::string& utf8_path);
 
 }  // namespace uni

@@ -43,6 +43,9 @@ struct cache_row {
   bool is_redirect() const { return signature == redr_signature; }
 };
 
+// A run can hold millions of them.
+static_assert(sizeof(cache_row) <= 80);
+
 // The input's name as the rows show it: the path, the partition with ":\" behind it, or the disk
 // files joined by "; ".
 std::string source_name(const cmd_opts& opts);

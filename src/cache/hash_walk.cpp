@@ -53,8 +53,8 @@ std::vector<gap> gaps_between(const std::map<uint64_t, hash_range>& ranges, uint
   return gaps;
 }
 
-// Deliberate: the limit is what is left of the gap, and the decoders hold the place itself against
-// it, so that only places in the gap's first half pass.
+// Deliberate: the decoders get an offset from the file's start but a limit that counts from the
+// place itself. A record passes only where its offset is no more than what is left of the gap.
 void search_gap(cache_container& container, uint8_t* bytes, const gap& between) {
   for (uint64_t at = between.begin; at + block_size <= between.end; at += block_size) {
     const uint32_t four = zk::load_le32(bytes + at);

@@ -1,5 +1,6 @@
-// Reads an index by its structure: the chain of HASH blocks, and the gaps between the records that
-// they list. No run does this and no row comes of it; rows come of the search alone.
+// Reads an index by its structure: follows the chain of HASH blocks, and searches the gaps between
+// the records that the blocks list. No run calls this: all rows come from the search in
+// record_scan.h.
 #pragma once
 
 #include <cstdint>

@@ -66,15 +66,15 @@ bool classify_path(cmd_opts& opts) {
 }
 
 bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size) {
-  using namespace index_layout;
-  const uint32_t count = zk::load_le32(bytes + directory_count);
+  const uint32_t count = zk::load_le32(bytes + index_layout::directory_count);
   if (count == 0) return true;
-  const uint64_t need = uint64_t{count} * directory_row_size;
-  const uint8_t* row = bytes + directory_table;
+  const uint64_t need = uint64_t{count} * index_layout::directory_row_size;
+  const uint8_t* row = bytes + index_layout::directory_table;
   if (range_fits(bytes, row, need, size) == 0) return false;
   container.directories.reserve(count);
-  for (uint32_t i = 0; i < count; ++i, row += directory_row_size) {
-    container.directories.emplace_back(reinterpret_cast<const char*>(row), directory_name_size);
+  for (uint32_t i = 0; i < count; ++i, row += index_layout::directory_row_size) {
+    container.directories.emplace_back(reinterpret_cast<const char*>(row),
+                                       index_layout::directory_name_size);
   }
   return true;
 }
@@ -92,7 +92,6 @@ bool attach_directories(cache_container& container, record_table& table, const u
 }
 
 bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_t size) {
-  using namespace hash_layout;
   block = {};
   if (!bytes || size < hash_layout::header_size || offset > size - hash_layout::header_size) {
     return false;
@@ -101,16 +100,16 @@ bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_
   if (zk::load_le32(begin) != hash_signature) return false;
   std::memcpy(block.fixed.data(), begin, block.fixed.size());
   // The length wraps at 32 bits.
-  const uint32_t length = zk::load_le32(begin + block_count) * block_size;
+  const uint32_t length = zk::load_le32(begin + hash_layout::block_count) * block_size;
   if (size < length) return false;
-  const uint8_t* entry = begin + entries;
-  if (range_fits(bytes, entry, entry_size, size) == 0) return false;
+  const uint8_t* entry = begin + hash_layout::entries;
+  if (range_fits(bytes, entry, hash_layout::entry_size, size) == 0) return false;
   do {
     const uint32_t key = zk::load_le32(entry);
-    if (key == end_key) break;
+    if (key == hash_layout::end_key) break;
     read_entry(block, {key, zk::load_le32(entry + 4)}, bytes, size);
-    entry += entry_size;
-  } while (range_fits(bytes, entry, entry_size, size) != 0);
+    entry += hash_layout::entry_size;
+  } while (range_fits(bytes, entry, hash_layout::entry_size, size) != 0);
   block.parsed = true;
   return true;
 }

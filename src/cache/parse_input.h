@@ -9,4 +9,4 @@
 // it is still pending, and the rows to `out`. The header line isn't written for a file that can't
 // be opened, is empty, or can't be read whole where it should be. From a file that is read whole,
 // true means at least one row; from any other input, that it could be opened.
-bool parse_input(std::ostream& out, cmd_opts& opts);
+[[nodiscard]] bool parse_input(std::ostream& out, cmd_opts& opts);

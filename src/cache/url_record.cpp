@@ -9,8 +9,6 @@
 
 namespace {
 
-using namespace url_layout;
-
 constexpr std::string_view user_marker = "~U:";
 
 // The record's bytes while it is being decoded: `begin` to `end` may be read, and the first `room`
@@ -27,13 +25,13 @@ struct record_bytes {
 record_bytes bytes_of_record(uint8_t* begin, uint32_t limit) {
   const uint32_t next = find_next_record(begin, limit);
   if (next == no_record) return {begin, begin + limit, limit};
-  zk::store_le32(begin + block_count, next / block_size);
+  zk::store_le32(begin + url_layout::block_count, next / block_size);
   return {begin, begin + limit, next};
 }
 
 // False if the record has no usable URL offset. `whole` tells whether the URL fits the room.
 bool read_url(url_record& record, const record_bytes& bytes, bool& whole) {
-  const uint32_t at = record.field32(url_offset);
+  const uint32_t at = record.field32(url_layout::url_offset);
   if (at == 0 || at >= bytes.room) return false;
   const uint32_t left = bytes.room - at;
   // No more than the first byte past the room decides, so nothing is read behind it.
@@ -48,13 +46,13 @@ bool read_url(url_record& record, const record_bytes& bytes, bool& whole) {
 
 // Reads the header span, and the user from its marker. False if the span is empty.
 bool read_header_text(url_record& record, const record_bytes& bytes) {
-  uint32_t length = record.field32(header_length);
-  uint32_t start = record.field32(header_offset);
+  uint32_t length = record.field32(url_layout::header_length);
+  uint32_t start = record.field32(url_layout::header_offset);
   const uint32_t room = bytes.room;
-  if (room - fixed_size < length) return true;
+  if (room - url_layout::fixed_size < length) return true;
   if (start == 0 || room < start) {
-    start = fixed_size;
-    length = room - fixed_size;
+    start = url_layout::fixed_size;
+    length = room - url_layout::fixed_size;
   }
   if (start + length > room) return true;
   length = std::min(length, room - start);  // beyond 2 GiB the sum may have wrapped
@@ -87,17 +85,18 @@ bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint
                        uint8_t /*flag*/) {
   record = {};
   record.offset = static_cast<uint32_t>(offset);
-  if (!bytes || limit < fixed_size || offset > limit - fixed_size) return false;
+  if (!bytes || limit < url_layout::fixed_size || offset > limit - url_layout::fixed_size)
+    return false;
   uint8_t* const begin = bytes + offset;
   if (!is_url_or_leak(zk::load_le32(begin))) return false;
-  std::memcpy(record.fixed.data(), begin, fixed_size);
+  std::memcpy(record.fixed.data(), begin, url_layout::fixed_size);
   record.valid = true;
 
   const record_bytes own = bytes_of_record(begin, limit - static_cast<uint32_t>(offset));
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.
   bool whole = false;
   if (record.signature() == url_signature && !read_url(record, own, whole)) return false;
-  if (const uint32_t at = record.field32(filename_offset); at != 0 && at < own.room) {
+  if (const uint32_t at = record.field32(url_layout::filename_offset); at != 0 && at < own.room) {
     // Deliberate: not cut to the room, so it may run on beyond the next record.
     record.filename = own.string_at(at);
     clean_text(record.filename);

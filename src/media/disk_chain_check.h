@@ -9,5 +9,5 @@
 // its place is known, it goes into `suggested`, which begins as the list itself, and the check goes
 // on with it; the result is then false all the same, for the list to be given whole. `messages`
 // gets a line for each fault. Everything is closed again.
-bool disk_chain_check(const std::vector<std::wstring>& paths, std::ostream& messages,
-                      std::vector<std::wstring>& suggested);
+[[nodiscard]] bool disk_chain_check(const std::vector<std::wstring>& paths, std::ostream& messages,
+                                    std::vector<std::wstring>& suggested);

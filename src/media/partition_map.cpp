@@ -10,8 +10,6 @@
 
 namespace {
 
-using namespace mbr_layout;
-
 constexpr uint8_t extended_types[] = {0x05, 0x0F};
 constexpr uint64_t probe_reach = 76;  // a volume is probed if this much of it lies in the bytes
 
@@ -33,7 +31,8 @@ bool is_volume_boot(const uint8_t* bytes) {
 }
 
 bool is_master_boot(const uint8_t* bytes) {
-  return zk::load_le16(bytes + signature_at) == signature && !is_volume_boot(bytes);
+  return zk::load_le16(bytes + mbr_layout::signature_at) == mbr_layout::signature &&
+         !is_volume_boot(bytes);
 }
 
 bool is_extended(uint8_t type) {
@@ -53,9 +52,9 @@ struct partition_entry {
 };
 
 partition_entry entry_of(const uint8_t* record, size_t index) {
-  const uint8_t* const entry = record + entries + index * entry_size;
-  return {entry[entry_type], zk::load_le32(entry + entry_first_sector),
-          zk::load_le32(entry + entry_sectors)};
+  const uint8_t* const entry = record + mbr_layout::entries + index * mbr_layout::entry_size;
+  return {entry[mbr_layout::entry_type], zk::load_le32(entry + mbr_layout::entry_first_sector),
+          zk::load_le32(entry + mbr_layout::entry_sectors)};
 }
 
 // The bytes that are being mapped, and what was found in them.
@@ -76,7 +75,7 @@ struct mapping {
   // Adds the entries of a record, `base` being added to each first sector. The result is the first
   // sector of the extended entry that ended it, as it stands there, if there was one.
   std::optional<uint32_t> add_table(const uint8_t* record, uint64_t base) {
-    for (uint32_t i = 0; i < entry_count; ++i) {
+    for (uint32_t i = 0; i < mbr_layout::entry_count; ++i) {
       const partition_entry entry = entry_of(record, i);
       if (!entry.usable()) break;
       volumes.push_back({base + entry.first_sector, entry.sectors, entry.type, sector_size, {}, 0});
@@ -87,7 +86,7 @@ struct mapping {
 
   // Follows the extended partition at `first`, whose later tables count from it.
   void add_extended(uint64_t first) {
-    if (first == 0 || first >= length) return;  // deliberate: a sector against a byte count
+    if (first == 0 || first >= length) return;  // Deliberate: a sector against a byte count
     const uint8_t* record = record_at(first);
     if (!record) return;
     const std::optional<uint32_t> link = add_table(record, first);
@@ -143,7 +142,8 @@ void probe(VOLUME_ENTRY& volume, const uint8_t* boot, uint64_t length) {
 // The sector size by the place of the signature at the end of a larger sector, or 0.
 uint32_t larger_sector(const uint8_t* bytes, uint64_t length) {
   for (uint32_t sector = 1024; sector <= 16384; sector *= 2) {
-    if (length > sector && zk::load_le16(bytes + sector - 2) == signature) return sector;
+    if (length > sector && zk::load_le16(bytes + sector - 2) == mbr_layout::signature)
+      return sector;
   }
   return 0;
 }

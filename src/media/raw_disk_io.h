@@ -25,10 +25,10 @@ class RAW_DISK_IO {
   int64_t size() const { return m_open ? m_size : 0; }
 
   // Reads `count` bytes from `offset`. A plain source clamps `count` to its end, and no further:
-  // after a short read the rest of `out` is what it was. A VMware disk fills up with zeros and
-  // leaves `count` full. False for a null `out`, a source that isn't open, a count of 0, an offset
-  // at or past the end, and a read that fails.
-  bool read(uint8_t* out, uint32_t& count, int64_t offset) const;
+  // after a short read the rest of `out` is what it was. A VMware disk leaves `count` full: past
+  // its end it brings what its extents still hold there, and zeros. False for a null `out`, a
+  // source that isn't open, a count of 0, an offset at or past the end, and a read that fails.
+  [[nodiscard]] bool read(uint8_t* out, uint32_t& count, int64_t offset) const;
 
   // Whether a stretch is known to be zero because nothing holds it.
   bool is_hole(int64_t offset, uint32_t count) const;
@@ -39,7 +39,8 @@ class RAW_DISK_IO {
   bool read_plain(uint8_t* out, uint32_t& count, int64_t offset) const;
 
   std::unique_ptr<VMDK_CHAIN> m_chain;
-  int m_fd = -1;  // of a VMware disk its base's, which the chain owns
+  uint32_t m_bytes_per_sector = 512;  // no source is asked for its own; nothing reads it
+  int m_fd = -1;                      // of a VMware disk its base's, which the chain owns
   kind m_kind = none;
   bool m_open = false;
   int64_t m_size = 0;

@@ -19,16 +19,17 @@ class VMDK_CHAIN {
 
   // Opens each file. False at the first that is no usable extent. Of two with the same key the
   // first stays, and the other is closed.
-  bool add_files(const std::vector<std::wstring>& paths);
+  [[nodiscard]] bool add_files(const std::vector<std::wstring>& paths);
   void add_file(std::unique_ptr<VMDK_EXTENT> extent);
 
   // Joins the extents by their keys. False if there is no base, or a parent isn't among them.
-  bool link();
+  [[nodiscard]] bool link();
 
   // Reads `count` bytes at a place on the disk, each grain from the newest extent that holds it.
-  // What no extent holds, can't be read, or lies past the disk's end becomes zeros, and all of
-  // them are filled. False if the chain isn't joined properly, or nothing is asked for.
-  bool read_chain(uint8_t* out, uint64_t offset, uint32_t count) const;
+  // What no extent holds, or can't be read, becomes zeros; `out` is always filled. The disk's
+  // size is no bound: what an extent holds past it comes as data. False if the chain isn't joined
+  // properly, or nothing is asked for.
+  [[nodiscard]] bool read_chain(uint8_t* out, uint64_t offset, uint32_t count) const;
 
   // The newest extent that holds the place; null if none does.
   const VMDK_EXTENT* find_owner(uint64_t offset) const;

@@ -15,8 +15,6 @@
 
 namespace {
 
-using namespace vmdk_layout;
-
 // A number of sectors in bytes, in 32 bits.
 uint32_t sectors_to_bytes32(uint64_t sectors) {
   return static_cast<uint32_t>(sectors * vmdk_layout::sector_size);
@@ -54,19 +52,20 @@ bool VMDK_EXTENT::parse() {
 
 bool VMDK_EXTENT::read_header() {
   if (!read_filled(m_header.data(), m_header.size(), 0)) return false;
-  if (zk::load_le32(m_header.data()) != magic) return false;
-  const uint64_t grain_sectors = zk::load_le64(&m_header[grain_size]);
-  m_entries_per_table = zk::load_le32(&m_header[entries_per_table]);
+  if (zk::load_le32(m_header.data()) != vmdk_layout::magic) return false;
+  const uint64_t grain_sectors = zk::load_le64(&m_header[vmdk_layout::grain_size]);
+  m_entries_per_table = zk::load_le32(&m_header[vmdk_layout::entries_per_table]);
   m_bytes_per_grain = grain_sectors * vmdk_layout::sector_size;
   m_bytes_per_table = m_entries_per_table * m_bytes_per_grain;
-  m_metadata_size = sectors_to_bytes32(zk::load_le64(&m_header[overhead]));
+  m_metadata_size = sectors_to_bytes32(zk::load_le64(&m_header[vmdk_layout::overhead]));
   // Both divide; products that wrap to nothing are refused like a size of nothing.
   return m_bytes_per_grain != 0 && m_bytes_per_table != 0;
 }
 
 bool VMDK_EXTENT::read_descriptor() {
-  const uint64_t at = zk::load_le64(&m_header[descriptor_offset]) * vmdk_layout::sector_size;
-  const uint32_t size = sectors_to_bytes32(zk::load_le64(&m_header[descriptor_size]));
+  const uint64_t at =
+      zk::load_le64(&m_header[vmdk_layout::descriptor_offset]) * vmdk_layout::sector_size;
+  const uint32_t size = sectors_to_bytes32(zk::load_le64(&m_header[vmdk_layout::descriptor_size]));
   if (::lseek(m_fd, static_cast<off_t>(at), SEEK_SET) == -1) return false;
   // The text ends at a NUL, and so at the file's end, whatever size it is said to have.
   constexpr uint64_t piece_size = 65536;
@@ -108,8 +107,9 @@ void VMDK_EXTENT::read_descriptor_line(const std::string& line) {
 }
 
 bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
-  const uint64_t overhead_sectors = zk::load_le64(&m_header[overhead]);
-  const uint64_t begin = zk::load_le64(&m_header[directory_offset]) * vmdk_layout::sector_size;
+  const uint64_t overhead_sectors = zk::load_le64(&m_header[vmdk_layout::overhead]);
+  const uint64_t begin =
+      zk::load_le64(&m_header[vmdk_layout::directory_offset]) * vmdk_layout::sector_size;
   if (m_metadata_size < std::max(begin, overhead_sectors * vmdk_layout::sector_size)) return false;
   if (m_metadata_size - begin < sizeof(uint32_t)) return false;
   std::array<uint8_t, sizeof(uint32_t)> first = {};
@@ -209,7 +209,7 @@ bool VMDK_EXTENT::read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& c
 }
 
 uint64_t VMDK_EXTENT::capacity_bytes() const {
-  return m_valid ? zk::load_le64(&m_header[capacity]) * vmdk_layout::sector_size : 0;
+  return m_valid ? zk::load_le64(&m_header[vmdk_layout::capacity]) * vmdk_layout::sector_size : 0;
 }
 
 bool VMDK_EXTENT::read_filled(uint8_t* out, uint64_t count, uint64_t at) const {

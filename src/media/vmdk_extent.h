@@ -19,11 +19,11 @@ class VMDK_EXTENT {
   // Opens the file and reads its header, descriptor, grain directory and grain tables. False, with
   // `m_valid` false, if it is no such extent, can't be read, or its directory or its tables would
   // take more than is allowed below. Call once.
-  bool open(const std::wstring& path, bool write);
+  [[nodiscard]] bool open(const std::wstring& path, bool write);
 
   // The place in the file of a byte of the virtual disk. False if this extent doesn't hold it; true
   // also where the place lies past the file's end.
-  bool locate_grain(uint64_t offset, uint64_t& file_offset) const;
+  [[nodiscard]] bool locate_grain(uint64_t offset, uint64_t& file_offset) const;
 
   // The bytes from a place on the virtual disk to the end of its grain, in 32 bits.
   uint32_t bytes_to_grain_end(uint64_t offset) const;
@@ -31,7 +31,7 @@ class VMDK_EXTENT {
   // Reads `count` bytes of the virtual disk from the grains that this extent holds. A grain that
   // the file's end cuts short is filled with zeros, or lowers `count`. False if nothing usable
   // came.
-  bool read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const;
+  [[nodiscard]] bool read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const;
 
   // The size of the virtual disk in bytes, by this extent's header.
   uint64_t capacity_bytes() const;
@@ -65,7 +65,7 @@ class VMDK_EXTENT {
   bool read_tables(const std::vector<uint32_t>& directory);
   bool read_first_sector();
   // Reads from the file; what it doesn't have becomes zeros. False if the read fails.
-  bool read_filled(uint8_t* out, uint64_t count, uint64_t at) const;
+  [[nodiscard]] bool read_filled(uint8_t* out, uint64_t count, uint64_t at) const;
 
   std::array<uint8_t, vmdk_layout::sector_size> m_header = {};
   uint64_t m_file_size = 0;

@@ -8,8 +8,7 @@
 
 namespace zk {
 
-// Keeps its room when it is cleared, so that a line needs no memory once one as long has been
-// there.
+// Keeps its memory when it is cleared, so that only a line longer than all before it takes more.
 class text_line {
  public:
   void clear() { used = 0; }
@@ -17,25 +16,25 @@ class text_line {
   std::string_view text() const { return {bytes.data(), used}; }
 
   void put(char c) {
-    *room(1) = c;
+    *space_for(1) = c;
     ++used;
   }
   void put(std::string_view text) {
-    std::copy(text.begin(), text.end(), room(text.size()));
+    std::copy(text.begin(), text.end(), space_for(text.size()));
     used += text.size();
   }
   // For a writer that knows only how long its text is at most: `write` gets the place of the next
   // byte and returns the one behind its text.
   template <class Writer>
   void put(size_t most, Writer write) {
-    char* const begin = room(most);
+    char* const begin = space_for(most);
     used += static_cast<size_t>(write(begin) - begin);
   }
 
   void drop_last(size_t count) { used -= count; }
 
  private:
-  char* room(size_t count) {
+  char* space_for(size_t count) {
     if (count > bytes.size() - used) bytes.resize(std::max(used + count, 2 * bytes.size()));
     return bytes.data() + used;
   }

@@ -1,6 +1,7 @@
 // Free functions on strings. Narrow strings hold UTF-8 or raw bytes, wide strings one code point
-// in each character. Most change their argument; several answer in a way of their own, which is
-// said where they are declared. None throws but for lack of memory, none prints.
+// in each character. Most change their argument, and the
+// results of several aren't what their names suggest: read each declaration. They print nothing,
+// and throw only std::bad_alloc.
 #pragma once
 
 #include <cstddef>

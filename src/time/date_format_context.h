@@ -1,5 +1,5 @@
-// The date and time masks as one small record, made once the options are read. Nothing prints by
-// it.
+// The date and time masks in compiled form. The record is kept with the run's parameters; printing
+// doesn't use it, see time_format.h.
 #pragma once
 
 #include <cstdint>
@@ -26,7 +26,8 @@ struct date_format_context {
   uint8_t digits = 0;  // fraction digits, at most 9, in bits 1 to 4; date and time paired in bit 0
 };
 
-// Derives the record. A date mask without year, month or day leaves it as far as it came.
+// Compiles both masks. The parts are looked for in the order month, year, day; at the first that
+// the date mask lacks, the record is returned with what was found so far.
 date_format_context derive_format_masks(std::string_view date_mask, std::string_view time_mask,
                                         bool pair_datetime);
 

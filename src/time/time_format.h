@@ -29,7 +29,7 @@ class masked_format {
  public:
   masked_format(const std::string& date_mask, const std::string& time_mask);
 
-  // Write the date or the time of day of a valid time at `at`, which has room for the longest, and
+  // Write the date or the time of day of a valid time at `at`, where the longest must fit, and
   // return the place behind it. An empty mask writes nothing.
   char* put_date(char* at, const _windows_systemtime& fields) const;
   char* put_time(char* at, const _windows_systemtime& fields) const;

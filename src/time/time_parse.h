@@ -12,8 +12,8 @@ namespace zk {
 // Reads a date whose numbers stand in `order` ("YMD", say; "Mon" in it means a month's English
 // abbreviation) between `separator`s, and a time, or midnight where `time` is null or empty. Sets
 // the eight SYSTEMTIME fields, `day_of_week` staying 0. False if either can't be read.
-bool parse_date_time(const char* date, const char* time, std::string_view order, char separator,
-                     _windows_systemtime& fields);
+[[nodiscard]] bool parse_date_time(const char* date, const char* time, std::string_view order,
+                                   char separator, _windows_systemtime& fields);
 
 // Reads the three numbers of a date. Empty tokens are passed over before the third number and
 // twice before the second. Two-digit years mean 1931 to 2030. Month 0 and day 0 pass; a month

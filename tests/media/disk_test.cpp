@@ -43,7 +43,7 @@ struct disk_test : testing::Test {
     for (const uint64_t offset : {uint64_t{0}, uint64_t{5000}, ~uint64_t{0}, uint64_t{1} << 40}) {
       uint32_t count = 8192;
       bytes out(count);
-      extent.read_extent(extent.m_fd, out.data(), offset, count);
+      static_cast<void>(extent.read_extent(extent.m_fd, out.data(), offset, count));
     }
     return valid ? joined(extent.m_cid, extent.m_parent_cid, extent.m_encoding,
                           extent.m_parent_hint, extent.m_descriptor_lines.size())

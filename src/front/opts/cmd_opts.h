@@ -15,7 +15,8 @@ struct cmd_opts : cmd_params {
   bool carve_columns = false;  // columns "note" and "offset"; nothing sets it
   std::string partition_path;  // value of -partition
   bool admin_rights = false;   // nothing sets it
-  uint32_t file_kind = 1;      // of the input, from its path
+  // Of the last input that was read whole, from its path: a large file and a disk don't set it.
+  uint32_t file_kind = 1;
 
   cmd_opts() {
     mode_csv = true;

@@ -92,7 +92,7 @@ struct cmd_params {
   // Reads all options but -partition, -vmdk, -offset, -f and -locale, in a fixed order and not in
   // that of the arguments, and removes what it reads from `args`. Unknown options stay there,
   // unnoticed. False ends the run; what is to be said was said on standard error.
-  bool parse_options(argument_list& args);
+  [[nodiscard]] bool parse_options(argument_list& args);
 
   // Checks a list of disk files. Writes its messages to `messages`, and to `suggested` the list
   // that it would have accepted, if it knows one.
@@ -103,8 +103,9 @@ struct cmd_params {
   // Reads -vmdk and -offset, first parse_options unless `skip_common` is set, and hands the disk
   // files to `check` and then, unless empty, to `second`. `name` names the option in the suggestion
   // that goes to standard error with the messages of a failed check.
-  bool parse_vmdk_options(argument_list& args, const disk_list_check& check,
-                          const disk_list_check& second, bool skip_common, const char* name);
+  [[nodiscard]] bool parse_vmdk_options(argument_list& args, const disk_list_check& check,
+                                        const disk_list_check& second, bool skip_common,
+                                        const char* name);
 
   // Sets the separator between cells, "tab" meaning a tab, and the delimiters that follow from it;
   // `semicolon` says by what a comma would be replaced.

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <vector>
 
+#include "cache/record_scan.h"
 #include "media/file_blocks.h"
 #include "media/raw_disk_io.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
+#include "uni/stretch.h"
 
 namespace {
 
@@ -15,8 +17,8 @@ constexpr uint32_t block_overlap = 4096;
 constexpr uint32_t raw_read_size = 65536;
 // Where a header says that a disk is larger, no more of it is searched: it would take for ever.
 constexpr int64_t largest_disk = 1LL << 46;
-// A block's position in bytes is held against it: of a file every 99th block shows progress, of a
-// disk every 33rd.
+// Progress is shown at a block whose position in bytes is a multiple of this: with the usual steps
+// at every 99th block of a file and every 33rd of a disk.
 constexpr uint64_t progress_every = 99;
 
 void show_percent(uint64_t position, int64_t size) {
@@ -29,22 +31,35 @@ void show_percent_done(int64_t position, int64_t total) {
   uni::progress_percent("percent done: %d", static_cast<int>(percent));
 }
 
+void finish_progress(const cmd_opts& opts) {
+  if (opts.show_progress) uni::clear_progress_line();
+}
+
 bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& disk) {
   if (!disk.is_open()) return false;
+  uni::stretch_finder stretches(disk);
   std::vector<uint8_t> buffer(raw_read_size);
+  bool buffer_is_old = false;
   const int64_t total = disk.size();
   uint32_t overlap = block_overlap;
   const int64_t end = std::min(total, largest_disk);
   for (int64_t position = 0; position < end; position += raw_read_size) {
     if (position % static_cast<int64_t>(progress_every) == 0) show_percent_done(position, total);
+    const auto base = static_cast<uint64_t>(position);
     uint32_t count = raw_read_size;
-    if (disk.is_hole(position, count)) {
+    if (stretches.all_zeros(base, count)) {
       // Zeros hold no record, so they are neither read nor searched.
+      buffer_is_old = true;
       position -= overlap;
-    } else if (disk.read(buffer.data(), count, position)) {
-      if (count < overlap) overlap = 0;
-      scan_buffer(table, opts, buffer.data(), count, static_cast<uint64_t>(position), overlap);
-      position -= overlap;
+    } else {
+      // What a short read leaves in the buffer is searched: it must be what the block before held.
+      if (buffer_is_old) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
+      buffer_is_old = false;
+      if (disk.read(buffer.data(), count, position)) {
+        if (count < overlap) overlap = 0;
+        scan_buffer(table, opts, buffer.data(), count, base, overlap);
+        position -= overlap;
+      }
     }
   }
   uni::message("success\n");
@@ -64,12 +79,14 @@ bool scan_large_file(record_table& table, const cmd_opts& opts) {
   const uni::fileio file(opts.input_path);
   if (!file.is_open()) return false;
   const auto scan_chunk = [&](const file_block& block) {
-    scan_buffer(table, opts, block.bytes, block.size, block.position, block.overlap);
+    if (!block.zeros) {
+      scan_buffer(table, opts, block.bytes, block.size, block.position, block.overlap);
+    }
     if (opts.show_progress && block.position % progress_every == 0) {
       show_percent(block.position, file.size());
     }
   };
   scan_file_blocks(file, scan_chunk, file_block_size, block_overlap, 0);
-  if (opts.show_progress) uni::clear_line();
+  finish_progress(opts);
   return true;
 }

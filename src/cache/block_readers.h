@@ -1,18 +1,18 @@
-// The roads by which bytes reach the search in pieces. They only bring bytes; none knows a
-// record's layout.
+// The readers that bring large inputs to the search block by block: a file, an image or a disk.
+// They only bring bytes; none knows a record's layout.
 #pragma once
 
 #include <cstdint>
 
-#include "cache/record_scan.h"
+#include "cache/record_table.h"
 #include "front/opts/cmd_opts.h"
 
-// A file of more than this goes the large road, all others are read whole.
+// A file of at most this many bytes is read whole, a larger one by scan_large_file.
 inline constexpr int64_t largest_whole_file = 0x1000000;
 
 // Searches the raw source that `partition_path` or else `vmdk_paths` names, in reads of 65536 bytes
-// that overlap by 4096. True if it could be opened. A read that fails costs its whole 65536 bytes,
-// without a word.
+// that overlap by 4096. True if it could be opened. Where a read fails, its 65536 bytes are passed
+// over and nothing reports it.
 bool scan_raw_source(record_table& table, const cmd_opts& opts);
 
 // Searches the file at `input_path` in blocks of 32768 bytes that overlap by 4096. True if it

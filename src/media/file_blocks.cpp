@@ -13,10 +13,12 @@ bool scan_file_blocks(const uni::fileio& file, const block_callback& callback, u
   std::vector<uint8_t> buffer(block_size);
   uint32_t count = block_size;
   uint64_t offset = start;
+  uni::stretch_finder stretches(file);
   do {
-    if (!file.read_at(buffer.data(), count, static_cast<int64_t>(offset))) break;
+    const bool zeros = stretches.all_zeros(offset, count);
+    if (!zeros && !file.read_at(buffer.data(), count, static_cast<int64_t>(offset))) break;
     if (count <= overlap) overlap = 0;
-    callback({buffer.data(), count, overlap, offset});
+    callback({buffer.data(), count, overlap, offset, zeros});
     offset += count - overlap;
     // The count isn't reset: after a short read no later one asks for more.
     if (count + offset > size) count = static_cast<uint32_t>(size - offset);

@@ -13,6 +13,7 @@ struct file_block {
   uint32_t size;      // in bytes
   uint32_t overlap;   // how many of its last bytes the next block begins with
   uint64_t position;  // of its first byte in the file
+  bool zeros;         // a hole: all its bytes are zeros, and `bytes` doesn't hold them
 };
 
 using block_callback = std::function<void(const file_block&)>;
@@ -21,7 +22,7 @@ using block_callback = std::function<void(const file_block&)>;
 // each begins `overlap` bytes before its predecessor's end. A file of less than one block comes
 // whole, without overlap; of any other the last block holds at least the overlap, unless a read
 // was short, and all of it may have come before. A failed read ends the scan silently; a short one
-// lowers the size of all later blocks. False only if the file isn't open. Throws std::bad_alloc if
-// there isn't the memory.
+// lowers the size of all later blocks. Blocks in a hole of the file aren't read. False only if the
+// file isn't open. Throws std::bad_alloc if there isn't the memory.
 bool scan_file_blocks(const uni::fileio& file, const block_callback& callback, uint32_t block_size,
                       uint32_t overlap, uint64_t start);

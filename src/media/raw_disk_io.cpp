@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 
 #include "text/zk_wide.h"
 #include "uni/fileio.h"
@@ -45,6 +46,7 @@ bool RAW_DISK_IO::read_plain(uint8_t* out, uint32_t& count, int64_t offset) cons
   return ::pread(m_fd, out, count, offset) != -1;
 }
 
-bool RAW_DISK_IO::is_hole(int64_t offset, uint32_t count) const {
-  return m_open && m_kind == chain && m_chain->is_hole(static_cast<uint64_t>(offset), count);
+uni::stretch RAW_DISK_IO::stretch_at(uint64_t offset) const {
+  if (!m_open) return {std::numeric_limits<uint64_t>::max(), false};
+  return m_kind == chain ? m_chain->stretch_at(offset) : uni::stretch_of(m_fd, offset);
 }

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "media/vmdk_chain.h"
+#include "uni/stretch.h"
 
 class RAW_DISK_IO {
  public:
@@ -30,8 +31,9 @@ class RAW_DISK_IO {
   // source that isn't open, a count of 0, an offset at or past the end, and a read that fails.
   [[nodiscard]] bool read(uint8_t* out, uint32_t& count, int64_t offset) const;
 
-  // Whether a stretch is known to be zero because nothing holds it.
-  bool is_hole(int64_t offset, uint32_t count) const;
+  // Whether the bytes from `offset` on are a hole: of a plain source where its file system tells,
+  // of a VMware disk by its grain tables.
+  uni::stretch stretch_at(uint64_t offset) const;
 
  private:
   enum kind : uint32_t { plain = 0, chain = 4, none = 8 };

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <utility>
 
 bool VMDK_CHAIN::add_files(const std::vector<std::wstring>& paths) {
@@ -83,20 +84,22 @@ bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t count) const
   return true;
 }
 
-bool VMDK_CHAIN::is_hole(uint64_t offset, uint64_t count) const {
-  if (!m_valid) return false;
-  const uint64_t end = offset + count;
-  while (offset < end) {
-    if (find_owner(offset)) return false;
+uni::stretch VMDK_CHAIN::stretch_at(uint64_t offset) const {
+  constexpr uint64_t no_end = std::numeric_limits<uint64_t>::max();
+  if (!m_valid) return {no_end, false};
+  const VMDK_EXTENT* owner = nullptr;
+  uint64_t end = offset;
+  while (end != no_end && !(owner = find_owner(end))) {
     // Never farther than a read would go before it asks for an owner again.
-    uint64_t step = end - offset;
+    uint64_t step = no_end - end;
     for (const auto& [key, extent] : m_extents) {
-      step = std::min<uint64_t>(step, extent->bytes_to_grain_end(offset));
+      step = std::min(step, extent->bytes_not_held(end));
     }
-    if (step == 0) return false;
-    offset += step;
+    if (step == 0) break;
+    end += step;
   }
-  return true;
+  if (end != offset) return {end, true};
+  return {offset + std::max(owner ? owner->bytes_to_grain_end(offset) : 0, 1U), false};
 }
 
 void VMDK_CHAIN::clear() {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "media/vmdk_extent.h"
+#include "uni/stretch.h"
 
 // The parent key of an extent without a parent, in this spelling alone.
 inline constexpr const char* no_parent_cid = "ffffffff";
@@ -34,8 +35,9 @@ class VMDK_CHAIN {
   // The newest extent that holds the place; null if none does.
   const VMDK_EXTENT* find_owner(uint64_t offset) const;
 
-  // Whether a joined chain holds nothing of a stretch, so that it reads as zeros.
-  bool is_hole(uint64_t offset, uint64_t count) const;
+  // Whether no extent holds anything from a place on the disk on, so that it reads as zeros, and up
+  // to which place.
+  uni::stretch stretch_at(uint64_t offset) const;
 
   // Joins an extent to its parent, if that is in the map. False if it isn't.
   bool join(VMDK_EXTENT& extent);

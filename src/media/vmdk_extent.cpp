@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 
 #include "media/partition_map.h"
@@ -133,31 +134,55 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
 
 bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
-  if (directory.empty()) return false;
-  std::vector<uint8_t> table(table_bytes);
+  // Tables mostly stand one behind the other, so that one read brings many.
+  const uint64_t most_ahead = std::max<uint64_t>(table_bytes, 1 << 18);
+  std::vector<uint8_t> ahead;
+  uint64_t ahead_at = 0;
   std::vector<uint8_t> scratch(table_bytes);
-  m_grain_tables.resize(directory.size() * m_entries_per_table);
-  uint32_t* entry = m_grain_tables.data();
+  m_table_numbers.reserve(directory.size());
   for (const uint32_t sector : directory) {
     const uint32_t at = sectors_to_bytes32(sector);
-    const bool in_metadata = at + table_bytes <= m_metadata_size;
-    if (in_metadata) {
-      if (!read_filled(table.data(), table_bytes, at)) return false;
-    } else if (::pread(m_fd, scratch.data(), table_bytes, at) == -1) {
-      break;  // the tables read so far stand; a short read instead leaves what was read before it
+    if (at + table_bytes > m_metadata_size) {
+      // The tables read so far stand; a short read instead leaves what was read before it.
+      if (::pread(m_fd, scratch.data(), table_bytes, at) == -1) break;
+      add_table(scratch.data());
+      continue;
     }
-    const std::vector<uint8_t>& source = in_metadata ? table : scratch;
-    for (uint64_t i = 0; i < m_entries_per_table; ++i) {
-      *entry++ = zk::load_le32(&source[i * sizeof(uint32_t)]);
+    if (at < ahead_at || at + table_bytes > ahead_at + ahead.size()) {
+      ahead_at = at;
+      ahead.resize(std::min<uint64_t>(most_ahead, m_metadata_size - at));
+      if (!read_filled(ahead.data(), ahead.size(), at)) {
+        // What can't be read may lie behind this table.
+        ahead.resize(table_bytes);
+        if (!read_filled(ahead.data(), ahead.size(), at)) return false;
+      }
     }
-    ++m_table_count;
+    add_table(&ahead[at - ahead_at]);
   }
-  return m_table_count != 0;
+  return !m_table_numbers.empty();
+}
+
+void VMDK_EXTENT::add_table(const uint8_t* bytes) {
+  const uint64_t size = uint64_t{m_entries_per_table} * sizeof(uint32_t);
+  // All bytes equal their neighbours, and so the first.
+  if (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, size - 1) == 0) {
+    m_table_numbers.push_back(empty_table);
+    return;
+  }
+  m_table_numbers.push_back(static_cast<uint32_t>(m_entries.size() / m_entries_per_table));
+  for (uint64_t at = 0; at < size; at += sizeof(uint32_t)) {
+    m_entries.push_back(zk::load_le32(bytes + at));
+  }
+}
+
+uint32_t VMDK_EXTENT::entry_of(uint32_t table, uint32_t entry) const {
+  const uint32_t number = m_table_numbers[table];
+  return number == empty_table ? 0 : m_entries[uint64_t{number} * m_entries_per_table + entry];
 }
 
 bool VMDK_EXTENT::read_first_sector() {
   std::array<uint8_t, vmdk_layout::sector_size> sector = {};
-  if (!read_filled(sector.data(), sector.size(), sectors_to_bytes32(m_grain_tables[0]))) {
+  if (!read_filled(sector.data(), sector.size(), sectors_to_bytes32(entry_of(0, 0)))) {
     return false;
   }
   VOLUME_LIST volumes;
@@ -174,11 +199,10 @@ bool VMDK_EXTENT::read_first_sector() {
 bool VMDK_EXTENT::locate_grain(uint64_t offset, uint64_t& file_offset) const {
   if (!m_valid) return false;
   const auto table = static_cast<uint32_t>(offset / m_bytes_per_table);
-  if (table >= m_table_count) return false;
+  if (table >= m_table_numbers.size()) return false;
   const uint64_t entry = (offset - table * m_bytes_per_table) / m_bytes_per_grain;
   if (static_cast<uint32_t>(entry) >= m_entries_per_table) return false;
-  const uint64_t at = uint64_t{table} * m_entries_per_table + static_cast<uint32_t>(entry);
-  const uint32_t sector = m_grain_tables[at];
+  const uint32_t sector = entry_of(table, static_cast<uint32_t>(entry));
   if (sector == 0) return false;
   file_offset = uint64_t{sector} * vmdk_layout::sector_size +
                 static_cast<uint32_t>(offset % m_bytes_per_grain);
@@ -188,6 +212,20 @@ bool VMDK_EXTENT::locate_grain(uint64_t offset, uint64_t& file_offset) const {
 uint32_t VMDK_EXTENT::bytes_to_grain_end(uint64_t offset) const {
   if (!m_valid) return 0;
   return static_cast<uint32_t>(m_bytes_per_grain - offset % m_bytes_per_grain);
+}
+
+uint64_t VMDK_EXTENT::bytes_not_held(uint64_t offset) const {
+  constexpr uint64_t most = std::numeric_limits<uint64_t>::max();
+  if (!m_valid) return most;
+  const auto table = static_cast<uint32_t>(offset / m_bytes_per_table);
+  const uint64_t left_in_table = m_bytes_per_table - offset % m_bytes_per_table;
+  if (table < m_table_numbers.size()) {
+    return m_table_numbers[table] == empty_table ? left_in_table : bytes_to_grain_end(offset);
+  }
+  // Nothing is held behind the last table, until the table's number starts from 0 again.
+  const uint64_t tables_left = std::numeric_limits<uint32_t>::max() - table;
+  if (tables_left > (most - left_in_table) / m_bytes_per_table) return most;
+  return left_in_table + tables_left * m_bytes_per_table;
 }
 
 bool VMDK_EXTENT::read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const {

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,10 @@ class VMDK_EXTENT {
 
   // The bytes from a place on the virtual disk to the end of its grain, in 32 bits.
   uint32_t bytes_to_grain_end(uint64_t offset) const;
+
+  // How many bytes from a place on the virtual disk that it doesn't hold it certainly doesn't hold
+  // either. 0 where a grain's size is nothing in 32 bits.
+  uint64_t bytes_not_held(uint64_t offset) const;
 
   // Reads `count` bytes of the virtual disk from the grains that this extent holds. A grain that
   // the file's end cuts short is filled with zeros, or lowers `count`. False if nothing usable
@@ -63,6 +68,9 @@ class VMDK_EXTENT {
   void read_descriptor_line(const std::string& line);
   bool read_directory(std::vector<uint32_t>& directory);
   bool read_tables(const std::vector<uint32_t>& directory);
+  void add_table(const uint8_t* bytes);
+  // A table's entry: the sector of a grain, 0 if there is none.
+  uint32_t entry_of(uint32_t table, uint32_t entry) const;
   bool read_first_sector();
   // Reads from the file; what it doesn't have becomes zeros. False if the read fails.
   [[nodiscard]] bool read_filled(uint8_t* out, uint64_t count, uint64_t at) const;
@@ -71,7 +79,10 @@ class VMDK_EXTENT {
   uint64_t m_file_size = 0;
   uint64_t m_bytes_per_table = 0;
   uint32_t m_entries_per_table = 0;
-  uint32_t m_metadata_size = 0;          // in bytes
-  std::vector<uint32_t> m_grain_tables;  // one behind the other
-  uint64_t m_table_count = 0;
+  uint32_t m_metadata_size = 0;  // in bytes
+  // Of each table its number among those that aren't all zeros, or `empty_table`: most of a large
+  // disk's are, and take no more memory than this.
+  static constexpr uint32_t empty_table = 0xFFFFFFFF;
+  std::vector<uint32_t> m_table_numbers;
+  std::deque<uint32_t> m_entries;  // of these tables, one behind the other
 };

@@ -1,6 +1,7 @@
 #include "uni/fileio.h"
 
 #include <fcntl.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -20,6 +21,7 @@ namespace uni {
 namespace {
 
 constexpr int64_t proc_file_size = 262144;
+constexpr uint64_t unknown_end = std::numeric_limits<uint64_t>::max();
 constexpr size_t largest_piece = 0x10000000;  // 256 MiB, what one system call takes for certain
 
 fileio::access access_for(bool write, bool truncate) {
@@ -124,6 +126,15 @@ int64_t fileio::measure_size() const {
   }
   ::lseek(fd, noted, SEEK_SET);
   return end;
+}
+
+stretch fileio::stretch_at(uint64_t offset) const {
+  if (!is_open() || memory_mode) return {unknown_end, false};
+  return stretch_of(fd, offset);
+}
+
+bool fileio::shares_file_with(int other_fd) const {
+  return is_open() && !memory_mode && same_file(fd, other_fd);
 }
 
 bool fileio::read_at(void* buffer, uint32_t& count, int64_t offset) const {
@@ -275,6 +286,25 @@ open_mode open_mode_for(fileio::access access) {
       break;
   }
   return {O_RDONLY, 0404};
+}
+
+stretch stretch_of(int fd, uint64_t offset) {
+  const auto at = static_cast<off_t>(offset);
+  off_t data = ::lseek(fd, at, SEEK_DATA);
+  // Nothing but a hole is left, if anything is.
+  if (data == -1 && errno == ENXIO) data = ::lseek(fd, 0, SEEK_END);
+  if (data > at) return {static_cast<uint64_t>(data), true};
+  const off_t hole = data == at ? ::lseek(fd, at, SEEK_HOLE) : -1;
+  return {hole > at ? static_cast<uint64_t>(hole) : unknown_end, false};
+}
+
+bool same_file(int fd, int other_fd) {
+  struct stat one;
+  struct stat other;
+  if (!descriptor_stat(fd, one) || !descriptor_stat(other_fd, other)) return false;
+  const bool null_device = major(one.st_rdev) == 1 && minor(one.st_rdev) == 3;
+  if (S_ISCHR(one.st_mode) && null_device) return false;
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 bool path_stat(const std::string& utf8_path, struct stat& record) {

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+#include "uni/stretch.h"
+
 namespace uni {
 
 // The size of the buffer between a results stream and its file, in bytes.
@@ -57,6 +59,13 @@ class fileio {
   // Asks the system for the size, which for a block device is the device's. Files under "/proc"
   // whose end can't be sought measure 262144. 0 when not open.
   int64_t measure_size() const;
+
+  // Whether the bytes from `offset` on are a hole of the file, where its file system tells.
+  stretch stretch_at(uint64_t offset) const;
+
+  // Whether both are the same file by device and number, so that what one writes stands among what
+  // the other does. Never true of the null device, where nothing stands.
+  bool shares_file_with(int other_fd) const;
 
   // Reads at most `count` bytes from `offset` with one system read, and sets `count` to what came,
   // which may be less. False where nothing is open or `offset` is at or past the size, with `count`
@@ -122,6 +131,12 @@ struct open_mode {
   mode_t creation_mode;
 };
 open_mode open_mode_for(fileio::access access);
+
+// What the file system knows of a descriptor's bytes from `offset` on. Moves its position.
+stretch stretch_of(int fd, uint64_t offset);
+
+// Whether two descriptors are of the same file; never true of the null device.
+[[nodiscard]] bool same_file(int fd, int other_fd);
 
 // Fill `record`, which is zeroed first, with the facts of a path or a descriptor.
 [[nodiscard]] bool path_stat(const std::string& utf8_path, struct stat& record);

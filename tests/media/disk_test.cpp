@@ -62,7 +62,8 @@ string seen(const RAW_DISK_IO& disk, const string& place, const string& size) {
   const auto offset = static_cast<int64_t>(number(place));
   uint32_t count = number32(size);
   bytes out(std::max(count, 1U), '?');
-  const bool hole = disk.is_hole(offset, count), came = disk.read(out.data(), count, offset);
+  const bool hole = uni::stretch_finder(disk).all_zeros(offset, count),
+             came = disk.read(out.data(), count, offset);
   string text = joined(disk.is_open(), disk.size(), hole, came, count);
   for (auto at = out.begin(), next = at; at != out.end(); at = next) {
     next = std::find_if(at, out.end(), [&](uint8_t byte) { return byte != *at; });

@@ -61,6 +61,7 @@ bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& 
         position -= overlap;
       }
     }
+    table.next_block_at(static_cast<uint64_t>(position) + raw_read_size);
   }
   uni::message("success\n");
   return true;
@@ -82,6 +83,7 @@ bool scan_large_file(record_table& table, const cmd_opts& opts) {
     if (!block.zeros) {
       scan_buffer(table, opts, block.bytes, block.size, block.position, block.overlap);
     }
+    table.next_block_at(block.position + block.size - block.overlap);
     if (opts.show_progress && block.position % progress_every == 0) {
       show_percent(block.position, file.size());
     }

@@ -1,5 +1,6 @@
 #include "cache/parse_input.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <iostream>
 #include <new>
@@ -57,22 +58,43 @@ std::optional<bool> scan_file(record_table& table, cmd_opts& opts) {
   return scan_whole_file(table, opts, bytes);
 }
 
-void write_rows(std::ostream& out, const record_table& table, const cmd_opts& opts) {
-  row_writer writer(out, opts);
-  uint64_t number = 0;
-  for (const cache_row& row : table.rows) {
+// Writes the rows of one input, and ahead of the first the header line if it is still pending.
+class row_output {
+ public:
+  row_output(std::ostream& stream, cmd_opts& options, const record_table& rows)
+      : out(stream), opts(options), table(rows) {}
+
+  void write_header() {
+    if (!writer) writer.emplace(out, opts);
+    if (!opts.header_pending || !opts.write_header) return;
+    opts.header_pending = false;
+    writer->write_header_line();
+  }
+
+  void write(const cache_row& row) {
+    write_header();
     if (opts.write_header) {
-      writer.write_row(table, row, ++number);
+      writer->write_row(table, row, ++number);
     } else {
       out << std::endl;
     }
   }
-}
+
+ private:
+  std::ostream& out;
+  cmd_opts& opts;
+  const record_table& table;
+  std::optional<row_writer> writer;  // made once there is something to write
+  uint64_t number = 0;
+};
 
 }  // namespace
 
 bool parse_input(std::ostream& out, cmd_opts& opts) {
   record_table table(opts);
+  row_output output(out, opts, table);
+  const auto write = [&output](const cache_row& row) { output.write(row); };
+  if (!opts.rows_wait) table.take_final = write;
   bool result = false;
   if (!opts.input_path.empty()) {
     const std::optional<bool> scanned = scan_file(table, opts);
@@ -81,10 +103,8 @@ bool parse_input(std::ostream& out, cmd_opts& opts) {
   } else if (!opts.partition_path.empty() || !opts.vmdk_paths.empty()) {
     result = scan_raw_source(table, opts);
   }
-  if (opts.header_pending && opts.write_header) {
-    opts.header_pending = false;
-    row_writer(out, opts).write_header_line();
-  }
-  if (result) write_rows(out, table, opts);
+  // The end makes all that is left final.
+  output.write_header();
+  std::for_each(table.rows.begin(), table.rows.end(), write);
   return result;
 }

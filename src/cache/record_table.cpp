@@ -2,12 +2,21 @@
 
 #include <algorithm>
 
+#include "cache/record_signature.h"
+
+namespace {
+
+bool lies_before(const cache_row& row, uint64_t offset) {
+  return row.offset < offset;
+}
+
+}  // namespace
+
 cache_row* record_table::add(uint64_t offset) {
   // Rows mostly come in ascending order; only blocks that overlap bring earlier ones, near the end.
   auto place = rows.end();
   if (!rows.empty() && offset <= rows.back().offset) {
-    const auto before = [](const cache_row& row, uint64_t wanted) { return row.offset < wanted; };
-    place = std::lower_bound(rows.begin(), rows.end(), offset, before);
+    place = std::lower_bound(rows.begin(), rows.end(), offset, lies_before);
     if (place->offset == offset) return nullptr;
   }
   cache_row& row = *rows.emplace(place);
@@ -19,7 +28,7 @@ void record_table::keep_texts(cache_row& row, std::string_view url, std::string_
                               std::string_view filename, std::string_view http_header) {
   const size_t size = url.size() + user.size() + filename.size() + http_header.size();
   if (size == 0) return;
-  char* at = static_cast<char*>(memory.allocate(size, 1));
+  char* at = static_cast<char*>(arena->memory.allocate(size, 1));
   row.texts = at;
   const auto keep = [&at](std::string_view text) {
     at = std::copy(text.begin(), text.end(), at);
@@ -29,6 +38,26 @@ void record_table::keep_texts(cache_row& row, std::string_view url, std::string_
   row.user_size = keep(user);
   row.filename_size = keep(filename);
   row.http_header_size = keep(http_header);
+}
+
+void record_table::next_block_at(uint64_t position) {
+  if (rows.empty() || !take_final) return;
+  // A block's search begins at its second place on the grid.
+  const auto end = std::lower_bound(rows.begin(), rows.end(), position + block_size, lies_before);
+  if (end == rows.begin()) return;
+  std::for_each(rows.begin(), end, std::ref(take_final));
+  drop_before(end);
+}
+
+void record_table::drop_before(std::deque<cache_row>::const_iterator first_kept) {
+  rows.erase(rows.cbegin(), first_kept);
+  text_arena& left = *arena;
+  arena = arena == &arenas[0] ? &arenas[1] : &arenas[0];
+  for (cache_row& row : rows) {
+    const cache_row old = row;
+    keep_texts(row, old.url(), old.user(), old.filename(), old.http_header());
+  }
+  left.memory.release();
 }
 
 std::string_view record_table::directory_of(const cache_row& row) const {

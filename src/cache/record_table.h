@@ -1,8 +1,12 @@
-// The rows of one input, in ascending offset, and the memory in which they and their texts stand.
+// The rows of one input that aren't written yet, in ascending offset, and the memory in which their
+// texts stand. The table is a window that moves over the input: rows come in as blocks are searched
+// and leave as soon as they are final.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <memory_resource>
 #include <string>
 #include <string_view>
@@ -10,8 +14,6 @@
 
 #include "cache/cache_row.h"
 
-// Rows can outnumber all else that a run holds, so each is small, and what they share is stored
-// once.
 struct record_table {
   explicit record_table(const cmd_opts& opts) : source(source_name(opts)) {}
   record_table(const record_table&) = delete;
@@ -25,15 +27,31 @@ struct record_table {
   void keep_texts(cache_row& row, std::string_view url, std::string_view user = {},
                   std::string_view filename = {}, std::string_view http_header = {});
 
+  // Tells that all later blocks begin at `position` or behind it. The rows ahead of the first place
+  // that such a block can search are final: none can come ahead of them or under their offsets any
+  // more. They go to `take_final` and leave the table. Without a `take_final` they stay.
+  void next_block_at(uint64_t position);
+
   // The row's cache directory, empty where its index lies past the last one.
   std::string_view directory_of(const cache_row& row) const;
 
   const std::string source;              // the input's name
   std::vector<std::string> directories;  // filled once the scan is over; at most 256
-  // What a table holds goes all at once, so its memory is taken in large pieces.
-  std::pmr::monotonic_buffer_resource memory;
-  std::pmr::deque<cache_row> rows{&memory};
-  // The candidate that is being decoded, here so that its strings keep their room.
+  std::deque<cache_row> rows;
+  std::function<void(const cache_row&)> take_final;
+  // The candidate that is being decoded, here so that its strings keep their memory.
   url_record decoded_url;
   redr_record decoded_redr;
+
+ private:
+  // Texts of rows that leave together go together: those of the few rows that stay move to the
+  // other arena, and all of this one is free again. The first texts need no memory of their own.
+  struct text_arena {
+    std::array<char, 8192> first;
+    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
+  };
+  void drop_before(std::deque<cache_row>::const_iterator first_kept);
+
+  std::array<text_arena, 2> arenas;
+  text_arena* arena = arenas.data();
 };

@@ -9,6 +9,7 @@
 
 struct cmd_opts : cmd_params {
   std::string input_path;      // the file being parsed now
+  bool rows_wait = false;      // rows and messages share a file, so rows come when an input ends
   bool write_header = true;    // if not, rows are empty lines too; nothing clears it
   bool use_locale = false;     // dates as the user's locale has them
   bool any_signature = false;  // files are parsed whatever they begin with

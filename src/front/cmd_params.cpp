@@ -27,16 +27,18 @@ bool cmd_params::parse_vmdk_options(argument_list& args, const disk_list_check& 
   for (const disk_list_check& each : {check, second}) {
     if (!each) continue;
     std::ostringstream messages;
+    messages.exceptions(std::ios::badbit);  // too little memory would cut the text
     std::vector<std::wstring> suggested;
     if (each(vmdk_paths, messages, suggested)) continue;
-    std::cerr << messages.str() << '\n';
+    messages << '\n';
     if (!suggested.empty()) {
-      std::cerr << "suggested array: " << name << " \"";
+      messages << "suggested array: " << name << " \"";
       for (size_t i = 0; i < suggested.size(); ++i) {
-        std::cerr << (i == 0 ? "" : " | ") << zk::wide_to_utf8(suggested[i]);
+        messages << (i == 0 ? "" : " | ") << zk::wide_to_utf8(suggested[i]);
       }
-      std::cerr << "\"\n";
+      messages << "\"\n";
     }
+    std::cerr << messages.str();
     return false;
   }
   return true;

@@ -1,8 +1,7 @@
 #include "front/cmdline_ctx.h"
 
+#include <array>
 #include <cstdio>
-#include <fstream>
-#include <sstream>
 
 #include "time/zk_time.h"
 #include "uni/console.h"
@@ -21,10 +20,16 @@ void cmdline_ctx::configure(const cmd_opts& opts, text_hook hook) {
 cmdline_ctx::~cmdline_ctx() {
   if (wipe_progress) uni::clear_progress_line();
   if (start_clock != 0) {
-    std::ostringstream text;
-    text << "->" << zk::ntp64_diff_seconds(zk::ntp64_now(), start_clock) << " secs";
-    if (report_stderr) std::fprintf(stderr, "%s\n", text.str().c_str());
-    if (!timing_path.empty()) std::ofstream(timing_path, std::ios::app) << text.str();
+    // Nothing here may throw, and so nothing takes memory that way.
+    std::array<char, 64> text;
+    std::snprintf(text.data(), text.size(), "->%g secs",
+                  zk::ntp64_diff_seconds(zk::ntp64_now(), start_clock));
+    if (report_stderr) std::fprintf(stderr, "%s\n", text.data());
+    std::FILE* const timing = timing_path.empty() ? nullptr : std::fopen(timing_path.c_str(), "a");
+    if (timing) {
+      std::fputs(text.data(), timing);
+      std::fclose(timing);
+    }
   }
   if (signal_hook) signal_hook(signal_text);
 }

@@ -75,11 +75,11 @@ void take_locale(argument_list& args, cmd_opts& opts) {
   opts.use_locale = take_flag("-locale", args);
   opts.any_signature = true;
   if (!opts.use_locale) return;
-  if (std::string name; zk::find_user_locale(name)) {
-    std::cout << "Using locale date format: " << std::locale(name).name() << "\n" << std::flush;
-  } else {
-    std::cout << "Using locale en_US date format\n" << std::flush;
-  }
+  std::string name;
+  const bool found = zk::find_user_locale(name);
+  const std::string shown =
+      found ? "date format: " + std::locale(name).name() : "en_US date format";
+  std::cout << "Using locale " << shown << "\n" << std::flush;
 }
 
 // Parses one input. False too if there isn't the memory for its rows.
@@ -151,10 +151,7 @@ int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
   return show_help(args);
 }
 
-}  // namespace
-
-int run(int argc, const char* const* argv) {
-  uni::fill_standard_streams();
+int run_steps(int argc, const char* const* argv) {
   // Their order is that of teardown, backwards: the context is the last to act.
   argument_list args = make_argument_list(argc, argv);
   cmdline_ctx context;
@@ -181,4 +178,17 @@ int run(int argc, const char* const* argv) {
   results.out() << run_header << std::endl;
   take_locale(args, opts);
   return run_mode(args, results.out(), opts);
+}
+
+}  // namespace
+
+int run(int argc, const char* const* argv) {
+  uni::fill_standard_streams();
+  try {
+    return run_steps(argc, argv);
+  } catch (const std::bad_alloc&) {
+    // Whatever the run had opened is closed by now, and its results written.
+    std::fputs("out of memory\n", stderr);
+    return run_failed;
+  }
 }

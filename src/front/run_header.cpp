@@ -32,6 +32,7 @@ std::string host_text() {
   host_info info;
   host_info_read(info, probe_exe_path());
   std::ostringstream system;
+  system.exceptions(std::ios::badbit);  // too little memory would cut the text
   host_info_write(info, system, ";", " ", false, false);
   std::string text = "; host: " + host_name() + "; system: " + system.str();
   if (info.on_network || info.on_usb) text += ";";

@@ -176,6 +176,7 @@ std::optional<std::string> locale_dates::date(const _windows_systemtime& fields)
   if (!user_locale) return std::nullopt;
   const std::tm tm = calendar_tm(fields);
   std::ostringstream text;
+  text.exceptions(std::ios::badbit);  // too little memory would cut the text
   text.imbue(*user_locale);
   std::use_facet<std::time_put<char>>(*user_locale).put(text, text, ' ', &tm, 'x');
   return text.str();

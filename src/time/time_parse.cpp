@@ -55,6 +55,7 @@ bool parse_date_fields(const char* date, std::string order, char separator, uint
   if (order.size() < 3) return false;
 
   std::istringstream tokens{date};
+  tokens.exceptions(std::ios::badbit);  // too little memory isn't a wrong date
   for (size_t field = 0; field < 3; ++field) {
     std::string token;
     if (!read_token(tokens, field, separator, token)) return false;

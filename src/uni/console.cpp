@@ -13,12 +13,12 @@ namespace {
 constexpr int longest_message = 4096;
 constexpr int progress_limit = 60;
 
-const std::string erase_line = "\x1B[2K\r";
-const std::string wide_wipe = erase_line + std::string(27, ' ') + "\r";
-const std::string narrow_wipe = erase_line + std::string(4, ' ') + "\r";
+// The erase sequence, then 27 blanks or 4.
+constexpr const char* wide_wipe = "\x1B[2K\r                           \r";
+constexpr const char* narrow_wipe = "\x1B[2K\r    \r";
 
-void put(std::FILE* stream, const std::string& text) {
-  std::fputs(text.c_str(), stream);
+void put(std::FILE* stream, const char* text) {
+  std::fputs(text, stream);
   std::fflush(stream);
 }
 
@@ -56,7 +56,7 @@ int message(const char* format, ...) {
   if (length == -1 || length > longest_message) {
     length = 0;
   } else {
-    put(stderr, format_text(length, format, again, length));
+    put(stderr, format_text(length, format, again, length).c_str());
   }
   va_end(again);
   return std::max(length, 0);
@@ -79,11 +79,11 @@ int console_print(bool to_stderr, int limit, const char* format, std::va_list ar
   if (!raw) text = narrow_wipe + text + "\r";
   std::erase(text, '\n');
   if (to_stderr) {
-    put(stderr, text);
+    put(stderr, text.c_str());
   } else if (raw) {
     set_terminal_title(text.c_str());
   } else {
-    put(stdout, text);
+    put(stdout, text.c_str());
   }
   return cut_length;
 }

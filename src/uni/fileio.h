@@ -122,7 +122,8 @@ class fileio {
 [[nodiscard]] bool load_file(std::vector<uint8_t>& out, std::string_view path, uint32_t limit);
 
 // Opens a path with open(2) `flags`, never blocking, and returns a descriptor that the caller
-// closes. -1 for an empty path, for a FIFO or a socket, and when the system refuses.
+// closes. The system is told that a file opened for reading will be read in order. -1 for an empty
+// path, for a FIFO or a socket, and when the system refuses.
 [[nodiscard]] int open_raw(const std::string& utf8_path, int flags, mode_t mode);
 
 // The open(2) flags and the creation mode for an access.

@@ -2,6 +2,11 @@
 include(GNUInstallDirs)
 find_program(UDX_GZIP gzip REQUIRED)
 
+# The day of the version, the time of all that is packed.
+set(CPACK_UDX_RELEASED 1795219200)
+set(ENV{SOURCE_DATE_EPOCH} ${CPACK_UDX_RELEASED})
+string(TIMESTAMP UDX_RELEASED "%a, %d %b %Y %H:%M:%S +0000" UTC)
+
 # Writes a file with the version in it to the build folder and compresses it there.
 function(udx_compressed_page from to folder)
   configure_file(${from} ${to} @ONLY)
@@ -22,10 +27,11 @@ udx_compressed_page(cmake/changelog.in changelog ${CMAKE_INSTALL_DOCDIR})
 install(FILES completions/udx.bash RENAME udx
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
 install(FILES completions/_udx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+install(FILES completions/udx.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES README.md CONTRIBUTING.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg)
-install(FILES examples/index.dat DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # .invalid is the domain of addresses that lead nowhere.
 set(CPACK_PACKAGE_CONTACT "the udx developers <udx@udx.invalid>")
@@ -44,5 +50,12 @@ REDR record, so that an examiner can see what a browser stored and when.
 .
 It takes single files, lists of paths, folders, raw images and VMware disks,
 and finds records in damaged files and fragments too.")
-set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian_paths.cmake)
+set(CPACK_SYSTEM_NAME linux-${CMAKE_SYSTEM_PROCESSOR})
+if(UDX_STATIC)
+  string(APPEND CPACK_SYSTEM_NAME -static)
+endif()
+set(CPACK_PRE_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/debian.cmake)
+set(CPACK_POST_BUILD_SCRIPTS ${CMAKE_CURRENT_LIST_DIR}/archive.cmake)
+# Named, or else cpack writes its own list of installed files over that of `cmake --install`.
+set(CPACK_INSTALL_CMAKE_PROJECTS ${CMAKE_BINARY_DIR};udx;Unspecified;/)
 include(CPack)

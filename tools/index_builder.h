@@ -66,8 +66,6 @@ class index_file {
   index_file& directories(const std::vector<std::string>& names);
   index_file& add(const record& added);
 
-  // Where the n-th record lies in the file.
-  uint32_t offset_of(size_t n) const { return offsets[n]; }
   byte_vector bytes() const;
 
  private:

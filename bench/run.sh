@@ -11,8 +11,11 @@ need "${compiler[@]}" /usr/include/benchmark/benchmark.h=libbenchmark-dev find=f
 echo "building the benchmarks"
 quietly cmake --preset bench
 quietly cmake --build --preset bench -j2
+quietly cmake --preset static
+quietly cmake --build --preset static -j2
 bin=$PWD/build/bench
 udx="$bin/udx -quiet"
+static="$PWD/build/static/udx -quiet"
 mkdir -p "${UDX_BENCH_DIR:=/tmp/udx-bench}"
 dir=$(realpath "$UDX_BENCH_DIR")
 cd "$dir"
@@ -55,7 +58,7 @@ trap 'rm -rf "$out"' EXIT
 line='%-38s %9s %9s %8s %8s %10s\n'
 # scenario NAME 'RATIO AT MOST' 'UDX COMMAND' 'YARDSTICK'
 scenario() {
-  read -r wall user other_wall other_user peak ratio < \
+  read -r wall other_wall peak ratio < \
     <("$bin/bench/side_by_side" "$runs" "$3" "$4")
   printf "$line" "$1" "$wall" "$other_wall" "$ratio" "$2" "$((peak / 1024)) MiB"
 }
@@ -79,8 +82,9 @@ scenario '1 GiB VMDK: the same as a file' 1.15 "$udx -vmdk $dir/full.vmdk >$out/
 scenario '500 GiB VMDK, one index: qemu-img map' 0.5 "$udx -vmdk $dir/empty.vmdk >$out/rows 2>&1" \
   "qemu-img map empty.vmdk >$out/found"
 times() { echo "for i in $(seq -s ' ' 500); do $1; done"; }
-scenario '500 runs on 32 KiB: cat' 3.0 "$(times "$udx -f one.dat >$out/rows")" \
-  "$(times "cat one.dat >$out/found")"
+cats=$(times "cat one.dat >$out/found")
+scenario '500 runs on 32 KiB: cat' 3.0 "$(times "$udx -f one.dat >$out/rows")" "$cats"
+scenario '  the static program' 1.2 "$(times "$static -f one.dat >$out/rows")" "$cats"
 for size in 512M 1G 2G; do
   scenario "few records, $size: 256M" '' "$udx -f few-$size.dat >$out/rows" \
     "$udx -f few-256M.dat >$out/rows"

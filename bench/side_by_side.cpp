@@ -1,6 +1,6 @@
 // side_by_side RUNS 'COMMAND A' 'COMMAND B': runs both shell commands in turn, once each to warm up
-// and then RUNS times, and prints the medians of their wall and user seconds, the peak memory of
-// A's largest process in KiB, and the median ratio of wall seconds.
+// and then RUNS times, and prints the medians of their wall seconds, the peak memory of A's largest
+// process in KiB, and the median ratio of wall seconds.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,7 +14,7 @@
 namespace {
 
 struct cost {
-  double wall, user;
+  double wall;
   long peak_kib;
 };
 
@@ -32,9 +32,7 @@ cost run(const char* command) {
     std::exit(1);
   }
   const std::chrono::duration<double> wall = std::chrono::steady_clock::now() - begin;
-  const double user =
-      static_cast<double>(used.ru_utime.tv_sec) + static_cast<double>(used.ru_utime.tv_usec) * 1e-6;
-  return {wall.count(), user, used.ru_maxrss};
+  return {wall.count(), used.ru_maxrss};
 }
 
 double median(std::vector<double> values) {
@@ -47,7 +45,7 @@ double median(std::vector<double> values) {
 int main(int argc, char** argv) {
   const int runs = argc == 4 ? std::atoi(argv[1]) : 0;
   if (runs < 1) return 2;
-  std::vector<double> wall_a, wall_b, user_a, user_b, ratios;
+  std::vector<double> wall_a, wall_b, ratios;
   long peak = 0;
   run(argv[2]);
   run(argv[3]);
@@ -56,11 +54,8 @@ int main(int argc, char** argv) {
     const cost b = run(argv[3]);
     wall_a.push_back(a.wall);
     wall_b.push_back(b.wall);
-    user_a.push_back(a.user);
-    user_b.push_back(b.user);
     ratios.push_back(a.wall / b.wall);
     peak = std::max(peak, a.peak_kib);
   }
-  std::printf("%.4f %.4f %.4f %.4f %ld %.2f\n", median(wall_a), median(user_a), median(wall_b),
-              median(user_b), peak, median(ratios));
+  std::printf("%.4f %.4f %ld %.2f\n", median(wall_a), median(wall_b), peak, median(ratios));
 }

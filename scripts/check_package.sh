@@ -3,9 +3,11 @@
 set -eu
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
-need "${compiler[@]}" lintian=lintian mandoc=mandoc man=man-db zsh=zsh \
+need "${compiler[@]}" lintian=lintian mandoc=mandoc man=man-db zsh=zsh fish=fish file=file \
+  aarch64-linux-gnu-g++=g++-aarch64-linux-gnu qemu-aarch64-static=qemu-user-static \
   dpkg-shlibdeps=dpkg-dev /usr/share/bash-completion/bash_completion=bash-completion
 
+export LC_ALL=C
 build=build/package
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -29,7 +31,7 @@ documented() {
     sed 's/^Fl /-/; s/^Cm //' | sort -u
 }
 
-# What bash offers for the last word of a line: bash_offers LINE
+# What bash and fish offer for the last word of a line: bash_offers LINE
 bash_offers() {
   bash --norc -c '. /usr/share/bash-completion/bash_completion; . completions/udx.bash
     COMP_LINE=$0 COMP_POINT=${#0} COMP_WORDS=(${0//:/ : })
@@ -38,96 +40,99 @@ bash_offers() {
     _udx
     printf "%s\n" "${COMPREPLY[@]}"' "$1" | sort -u
 }
-
-# The same of zsh, where a terminal is made for it, and the matches are noted as they are added.
-# The line follows the prompt: ahead of it the terminal itself would act on its last key.
-zsh_offers() {
-  : >"$work/offers"
-  offers=$work/offers folder=$PWD/completions timeout 30 zsh -f -c 'zmodload zsh/zpty
-    zpty shell zsh -f -i
-    zpty -w shell "fpath=(\$folder \$fpath); autoload -Uz compinit; compinit -D -u
-      compadd() {
-        local -a all; builtin compadd -O all \"\$@\"; print -rl -- \$all >>\$offers
-        builtin compadd \"\$@\"
-      }; PS1=BE\"\"GIN"
-    zpty -r -m shell text "*BEGIN*"
-    zpty -w -n shell "$0"$'"'\\t\\C-u'"'
-    zpty -w shell "print E\"\"ND"
-    zpty -r -m shell text "*END*"' "$1" >/dev/null
-  grep . "$work/offers" | sort -u
+fish_offers() {
+  fish --no-config -c 'source completions/udx.fish; complete -C $argv[1]' "$1" | cut -f 1 | sort -u
 }
 
-# The start folder that zsh hands on, completed and with a blank behind: zsh_folder START
-zsh_folder() {
-  folder=$PWD/completions timeout 30 zsh -f -c 'zmodload zsh/zpty
-    zpty shell zsh -f -i
-    zpty -w shell "fpath=(\$folder \$fpath); autoload -Uz compinit; compinit -D -u
-      udx() { print -r \"<\$2>\" }; PS1=BE\"\"GIN"
-    zpty -r -m shell text "*BEGIN*"
-    zpty -w shell "udx -enumdir $0"$'"'\\t -quiet'"'
-    zpty -r -m shell text "*<*>*"; print -r -- "$text"' "$1" | sed -n 's/.*<\(.*\)>.*/\1/p'
+# The options and masks that zsh is given, ahead of the brackets of their descriptions.
+zsh_offers() {
+  zsh -f -c 'fpath=($0 $fpath); autoload -Uz _udx
+    _arguments() { print -rl -- "$@" $dates $times }
+    _udx' "$PWD/completions" | sed -E 's/^(\([^)]*\))?\*?//; s/\[.*//' | sort -u
+}
+
+# Makes one kind of package in a folder of the sources: pack FOLDER STATIC GENERATOR
+# The information for debuggers holds paths: with it, a program shows whether the folder matters.
+# No launcher may hand one folder what was compiled in the other.
+pack() (
+  cd "$1"
+  quietly cmake --preset static -B "$build" -DUDX_STATIC="$2" -DCMAKE_CXX_FLAGS=-g \
+    -DCMAKE_CXX_COMPILER_LAUNCHER=
+  quietly cmake --build "$build" -j2
+  quietly cmake --install "$build" --prefix "$work/installed"
+  cd "$build"
+  quietly cpack -G "$3"
+)
+
+# The example's rows, but not the run's details, which name the program: rows PROGRAM
+rows() {
+  for option in -quiet -locale; do "$@" -f examples/index.dat $option 2>&1 | tail -n +5; done
 }
 
 echo "checking the manual page and the completions"
 same "the manual page's list of options" "$(accepted)" "$(documented 'It Fl')"
 same "the manual page's use of options" "$(accepted)" "$(documented '')"
-shown=$(accepted | grep -v '^/?$')
-shells=(bash zsh)
-if ! zsh -f -c 'zmodload zsh/zpty && zpty shell true' 2>/dev/null; then
-  echo "no terminal can be made here: what zsh offers isn't tried"
-  shells=(bash)
-fi
-for offers in "${shells[@]/%/_offers}"; do
-  same "$offers of options" "$shown" "$($offers 'udx -')"
-  same "$offers of date masks" $'mm/dd/yy\nmm/dd/yyyy' "$($offers 'udx -dateformat mm')"
-  $offers 'udx -f examples/i' | grep -qE '^(examples/)?index\.dat$' || fail "$offers no file"
-  same "$offers of folders" examples "$($offers 'udx -enumdir ' | grep -E '^(README|examples)')"
+offered=$(for start in - '-dateformat ' '-timeformat '; do bash_offers "udx $start"; done | sort -u)
+same "bash's options" "$(accepted | grep -v '^/?$')" "$(bash_offers 'udx -')"
+same "zsh's options and masks" "$offered" "$(zsh_offers)"
+same "fish's options and masks" "$offered" \
+  "$(for start in - '-dateformat ' '-timeformat '; do fish_offers "udx $start"; done | sort -u)"
+for offers in bash_offers fish_offers; do
+  $offers 'udx -f examples/i' | grep -qx 'examples/index\.dat' || fail "$offers no file"
+  same "$offers of folders" examples \
+    "$($offers 'udx -enumdir ' | grep -E '^(README|examples)' | tr -d /)"
 done
-[ ${#shells[@]} = 1 ] || same "zsh's start folder" examples/ "$(zsh_folder exam)"
 # bash takes a colon for the end of a word.
-same "bash_offers of time masks" $'ss.xxxxxx\nss.xxxxxxxxx' \
+same "bash's masks behind a colon" $'ss.xxxxxx\nss.xxxxxxxxx' \
   "$(bash_offers 'udx -timeformat hh:mm:ss.xxxx')"
 
-echo "building the packages"
-quietly cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DUDX_TESTS=OFF
-quietly cmake --build "$build" -j2
-rm -f "$build"/*.deb "$build"/*.tar.gz
-for generator in DEB TGZ; do
-  (cd "$build" && quietly cpack -G "$generator")
-done
+echo "building the archive, here and in another folder"
+other="$work/other folder"
+mkdir "$other"
+rm -rf "$build"
+tar -c --exclude ./build --exclude .git . | tar -x -C "$other"
+pack . ON TGZ
+(umask 077 && pack "$other" ON TGZ)
+cmp "$build/udx" "$other/$build/udx"
+cmp "$build"/*.tar.gz "$other/$build"/*.tar.gz
 
-echo "checking the packages"
+echo "checking the archive"
+same "the archive's order" "$(tar tf "$build"/*.tar.gz | sort)" "$(tar tf "$build"/*.tar.gz)"
+mkdir "$work/unpacked"
+tar xf "$build"/*.tar.gz -C "$work/unpacked" --strip-components=1
+(cd "$work/unpacked" && sha256sum --quiet -c SHA256SUMS)
+same "the list of sums" "$(cd "$work/installed" && find -- * -type f | sort)" \
+  "$(cut -d ' ' -f 3 "$work/unpacked/SHA256SUMS")"
+diff -r --exclude SHA256SUMS "$work/installed" "$work/unpacked"
+file "$work/unpacked/bin/udx" | grep -q "statically linked" || fail "the program isn't static"
+rows "$work/unpacked/bin/udx" >"$work/expected"
+grep -q 'URL ' "$work/expected" || fail "the program writes no rows"
+# The list is that of the installation, not cpack's.
+xargs -d '\n' rm <"$build/install_manifest.txt"
+same "what is left of an installation" "" "$(find "$work/installed" -type f)"
+
+echo "checking the archive for 64-bit ARM"
+rm -f build/static-aarch64/*.tar.gz
+quietly cmake --preset static-aarch64
+quietly cmake --build --preset static-aarch64 -j2
+(cd build/static-aarch64 && quietly cpack -G TGZ)
+mkdir "$work/aarch64"
+tar xf build/static-aarch64/*-aarch64-static.tar.gz -C "$work/aarch64" --strip-components=1
+rows qemu-aarch64-static "$work/aarch64/bin/udx" | cmp "$work/expected" -
+
+echo "building the package, here and in another folder"
+pack . OFF DEB
+(umask 077 && pack "$other" OFF DEB)
+cmp "$build/udx" "$other/$build/udx"
+cmp "$build"/*.deb "$other/$build"/*.deb
+
+echo "checking the package"
 same "mandoc's opinion" "" "$(mandoc -T lint "$build/udx.1" 2>&1)"
 same "man's opinion" "" "$(man -l --warnings "$build/udx.1" 2>&1 >/dev/null)"
 # The sources carry no copyright notice that the package could repeat.
 lintian --allow-root --fail-on error,warning \
   --suppress-tags copyright-without-copyright-notice "$build"/*.deb
-
-# All three ways to install give the same files, but for the folder of zsh.
-quietly cmake --install "$build" --prefix "$work/installed"
-mkdir "$work/unpacked"
-tar xzf "$build"/*.tar.gz -C "$work/unpacked" --strip-components=1
-diff -r "$work/installed" "$work/unpacked"
-if [ "$(id -u)" = 0 ]; then
-  quietly apt-get install --simulate "./$(echo "$build"/*.deb)"
-  mkdir -p "$work/root/var/lib/dpkg"/{info,updates}
-  touch "$work/root/var/lib/dpkg/status"
-  quietly dpkg --root="$work/root" --force-depends --path-include='/usr/share/*' -i "$build"/*.deb
-else
-  echo "not root: the package is unpacked, not installed"
-  dpkg-deb -x "$build"/*.deb "$work/root"
-fi
+dpkg-deb -x "$build"/*.deb "$work/root"
 diff -r --exclude zsh "$work/installed" "$work/root/usr"
-found=$(cd "$work/root" && find usr -name _udx)
-cmp completions/_udx "$work/root/$found"
-zsh -f -c 'print -l $fpath' | grep -qx "/${found%/*}" || fail "zsh doesn't read /${found%/*}"
-# Without the run's details, which name the program.
-rows() { "$1" -f examples/index.dat -quiet | tail -n +5; }
-rows "$build/udx" >"$work/expected"
-rows "$work/root/usr/bin/udx" >"$work/found"
-[ -s "$work/expected" ] || fail "the built program writes no rows"
-cmp "$work/expected" "$work/found"
-if [ "$(id -u)" = 0 ]; then
-  quietly dpkg --root="$work/root" -r udx
-  same "what is left after removal" "" "$(find "$work/root" -path '*/var' -prune -o -type f -print)"
-fi
+cmp completions/_udx "$work/root/usr/share/zsh/vendor-completions/_udx"
+rows "$work/root/usr/bin/udx" | cmp "$work/expected" -

@@ -1,5 +1,7 @@
 # Sourced by the scripts here: installs what is missing, and runs builds quietly.
 
+can_install() { command -v apt-get >/dev/null 2>&1 && [ "$(id -u)" = 0 ]; }
+
 # Makes sure that each tool or file is there: need NAME=PACKAGE ...
 # A NAME with a slash is a file, any other a command.
 need() {
@@ -12,7 +14,7 @@ need() {
     esac
   done
   [ ${#packages[@]} -gt 0 ] || return 0
-  if ! command -v apt-get >/dev/null 2>&1 || [ "$(id -u)" != 0 ]; then
+  if ! can_install; then
     echo "missing packages, install them first: ${packages[*]}" >&2
     return 1
   fi
@@ -36,4 +38,6 @@ quietly() {
 }
 
 compiler=(g++=g++ cmake=cmake make=make gzip=gzip)
+# cpack needs them for a package of Debian, and nothing else does.
+! can_install || compiler+=(dpkg-shlibdeps=dpkg-dev file=file)
 gtest=(/usr/include/gtest/gtest.h=libgtest-dev)

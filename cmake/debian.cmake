@@ -6,4 +6,7 @@ if(CPACK_GENERATOR STREQUAL "DEB")
   # The zsh of Debian reads completions of packages elsewhere.
   set(zsh ${CPACK_TEMPORARY_INSTALL_DIRECTORY}${CPACK_PACKAGING_INSTALL_PREFIX}/share/zsh)
   file(RENAME ${zsh}/site-functions ${zsh}/vendor-completions)
+  # A package may not depend on the umask.
+  file(CHMOD_RECURSE ${CPACK_TEMPORARY_INSTALL_DIRECTORY}
+    DIRECTORY_PERMISSIONS ${CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS})
 endif()

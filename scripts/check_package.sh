@@ -122,7 +122,7 @@ rows qemu-aarch64-static "$work/aarch64/bin/udx" | cmp "$work/expected" -
 
 echo "building the package, here and in another folder"
 pack . OFF DEB
-(umask 077 && pack "$other" OFF DEB)
+pack "$other" OFF DEB
 cmp "$build/udx" "$other/$build/udx"
 cmp "$build"/*.deb "$other/$build"/*.deb
 

@@ -41,8 +41,8 @@ class RAW_DISK_IO {
   bool read_plain(uint8_t* out, uint32_t& count, int64_t offset) const;
 
   std::unique_ptr<VMDK_CHAIN> m_chain;
-  uint32_t m_bytes_per_sector = 512;  // no source is asked for its own; nothing reads it
-  int m_fd = -1;                      // of a VMware disk its base's, which the chain owns
+  [[maybe_unused]] uint32_t m_bytes_per_sector = 512;  // no source is asked for its own
+  int m_fd = -1;  // of a VMware disk its base's, which the chain owns
   kind m_kind = none;
   bool m_open = false;
   int64_t m_size = 0;

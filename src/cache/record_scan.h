@@ -1,4 +1,4 @@
-// The one search by which records are found, whatever road brought the bytes.
+// The one search by which records are found, whatever input path brought the bytes.
 #pragma once
 
 #include <cstdint>

@@ -128,9 +128,10 @@ int run_list(std::ostream& out, cmd_opts& opts) {
   std::string path;
   std::string folder;
   std::string name;
-  while (paths.read_line(path, true)) {
+  bool unreadable = false;  // such a file is left out
+  while (paths.getline(path, true)) {
     file_stat stat;  // not loaded, so that each path's file is asked anew
-    if (!filter_match(opts, path, opts.filters, stat)) continue;
+    if (!filter_match(opts, unreadable, path, opts.filters, &stat)) continue;
     opts.diag_printf("%s", path.c_str());
     path = expand_env(path, true);
     if (!split_path(path, folder, name)) continue;

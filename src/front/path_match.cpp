@@ -13,11 +13,41 @@
 
 namespace {
 
+// A plain ASCII path is tested as it is and any other in wide form: the templates below take both.
+std::string narrow(const std::wstring& path) {
+  return zk::wide_to_utf8(path);
+}
+const std::string& narrow(const std::string& path) {
+  return path;
+}
+
+void lower(std::wstring& text) {
+  zk::to_lower_wide(text);
+}
+void lower(std::string& text) {
+  zk::to_lower(text);
+}
+
+void turn_backslashes(std::wstring& text) {
+  zk::replace_char_wide(text, L'\\', L'/');
+}
+void turn_backslashes(std::string& text) {
+  zk::replace_char(text, '\\', '/');
+}
+
+// Where `text` first stands in `where`, or npos.
+template <class String>
+size_t find_text(const String& where, const std::wstring& text) {
+  const auto found = std::search(where.begin(), where.end(), text.begin(), text.end());
+  if (found == where.end() && !text.empty()) return String::npos;
+  return static_cast<size_t>(found - where.begin());
+}
+
 enum stat_kind { filetime_kind = 1, unix32_kind = 8, unix64_kind = 16 };
 
-bool load_stat(file_stat& loaded, const std::wstring& path) {
+bool load_stat(file_stat& loaded, const std::string& path) {
   struct stat record;
-  if (!uni::path_stat(zk::wide_to_utf8(path), record)) return false;
+  if (!uni::path_stat(path, record)) return false;
   const auto seconds = static_cast<int64_t>(record.st_mtime);
   const bool fits = seconds >= 0 && seconds <= std::numeric_limits<uint32_t>::max();
   loaded.mod_time = static_cast<uint64_t>(seconds);
@@ -25,9 +55,10 @@ bool load_stat(file_stat& loaded, const std::wstring& path) {
   return true;
 }
 
-bool in_time_span(const cmd_params& span, file_stat& stat, const std::wstring& path) {
+template <class String>
+bool in_time_span(const cmd_params& span, file_stat& stat, const String& path) {
   if (!span.start_time_set && !span.stop_time_set) return true;
-  if (stat.mod_time == 0 && (!load_stat(stat, path) || stat.mod_time == 0)) return false;
+  if (stat.mod_time == 0 && (!load_stat(stat, narrow(path)) || stat.mod_time == 0)) return false;
   if (stat.kind != filetime_kind && stat.kind != unix32_kind) return false;
   const bool as_filetime = stat.kind == filetime_kind;
   if (span.start_time_set) {
@@ -41,22 +72,25 @@ bool in_time_span(const cmd_params& span, file_stat& stat, const std::wstring& p
   return true;
 }
 
-bool ends_at_boundary(const std::wstring& folder, size_t at, size_t length) {
+template <class String>
+bool ends_at_boundary(const String& folder, size_t at, size_t length) {
   const size_t end = at + length;
-  return end == folder.size() || folder[end] == L'/' || folder[end] == L'\0';
+  return end == folder.size() || folder[end] == '/' || folder[end] == '\0';
 }
 
 // `folder` is in lower case.
-bool folder_fits(const path_filter& filter, std::wstring folder) {
-  size_t at = folder.find(filter.match_text);
-  if (at == std::wstring::npos && folder.find(L'\\') != std::wstring::npos) {
-    zk::replace_char_wide(folder, L'\\', L'/');
-    at = folder.find(filter.match_text);
+template <class String>
+bool folder_fits(const path_filter& filter, String folder) {
+  size_t at = find_text(folder, filter.match_text);
+  if (at == String::npos && folder.find('\\') != String::npos) {
+    turn_backslashes(folder);
+    at = find_text(folder, filter.match_text);
   }
-  return at != std::wstring::npos && ends_at_boundary(folder, at, filter.match_text.size());
+  return at != String::npos && ends_at_boundary(folder, at, filter.match_text.size());
 }
 
-bool bytes_fit(const path_filter& filter, const std::wstring& path, bool& unreadable) {
+template <class String>
+bool bytes_fit(const path_filter& filter, const String& path, bool& unreadable) {
   const uni::fileio file(path);
   if (!file.is_open()) {
     unreadable = true;
@@ -72,42 +106,34 @@ bool bytes_fit(const path_filter& filter, const std::wstring& path, bool& unread
 }
 
 // `name` is in lower case.
-bool name_fits(const path_filter& filter, const std::wstring& name) {
+template <class String>
+bool name_fits(const path_filter& filter, const String& name) {
   const std::wstring& text = filter.match_text;
-  if (filter.star_front && filter.star_back) return name.find(text) != std::wstring::npos;
-  if (filter.star_back) return name.starts_with(text);
-  if (filter.star_front) {
-    // Deliberate: only the first place counts, so *.dat doesn't take a.dat.dat.
-    const size_t at = name.find(text);
-    return at != std::wstring::npos && at + text.size() == name.size();
+  if (!filter.star_front && !filter.star_back) {
+    return !text.empty() && std::equal(name.begin(), name.end(), text.begin(), text.end());
   }
-  return !text.empty() && name == text;
+  const size_t at = find_text(name, text);
+  if (at == String::npos) return false;
+  if (filter.star_front && filter.star_back) return true;
+  // Deliberate: only the first place counts, so *.dat doesn't take a.dat.dat.
+  return filter.star_front ? at + text.size() == name.size() : at == 0;
 }
 
-}  // namespace
-
-bool filter_match(const cmd_params& span, const std::string& path, const filter_list& filters,
-                  file_stat& stat) {
-  if (path.empty()) return false;
-  if (filters.empty()) return true;
-  bool unreadable = false;
-  return filter_match_wide(span, unreadable, zk::utf8_to_wide(path), filters, &stat);
-}
-
-bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
-                       const filter_list& filters, file_stat* stat) {
+template <class String>
+bool matches(const cmd_params& span, bool& unreadable, const String& path,
+             const filter_list& filters, file_stat* stat) {
   unreadable = false;
   if (path.empty()) return false;
   if (stat && !in_time_span(span, *stat, path)) return false;
   if (filters.empty() || (filters.size() == 1 && filters[0].match_all)) return true;
-  std::wstring folder;
-  std::wstring name;
+  String folder;
+  String name;
   if (!split_path(path, folder, name)) return false;
-  zk::to_lower_wide(name);
+  lower(name);
   bool folder_lowered = false;
   return std::any_of(filters.begin(), filters.end(), [&](const path_filter& filter) {
     if (filter.is_path && !folder_lowered) {
-      zk::to_lower_wide(folder);
+      lower(folder);
       folder_lowered = true;
     }
     if (filter.is_path && folder_fits(filter, folder)) return true;
@@ -115,4 +141,20 @@ bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstr
     const bool starred = filter.star_front || filter.star_back;
     return !starred && !filter.sig_bytes.empty() && bytes_fit(filter, path, unreadable);
   });
+}
+
+}  // namespace
+
+bool filter_match(const cmd_params& span, bool& unreadable, const std::string& path,
+                  const filter_list& filters, file_stat* stat) {
+  unreadable = false;
+  if (path.empty()) return false;
+  if (filters.empty()) return true;
+  if (zk::is_ascii(path)) return matches(span, unreadable, path, filters, stat);
+  return matches(span, unreadable, zk::utf8_to_wide(path), filters, stat);
+}
+
+bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
+                       const filter_list& filters, file_stat* stat) {
+  return matches(span, unreadable, path, filters, stat);
 }

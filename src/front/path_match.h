@@ -14,14 +14,14 @@ struct file_stat {
   int kind = 0;              // 8 where the seconds fit 32 bits, else 16
 };
 
-// The test of the driver. False for an empty path, and with filters for one that isn't UTF-8.
-// Deliberate: an empty filter list takes every other path at once, so that the time span counts
-// only beside a filter.
-bool filter_match(const cmd_params& span, const std::string& path, const filter_list& filters,
-                  file_stat& stat);
+// The test of a path that is UTF-8. False for an empty path, and with filters for one that isn't
+// UTF-8. Names are compared in lower case; the first filter that fits decides. `unreadable` tells
+// that a file whose bytes were to be compared couldn't be opened. Without a `stat`, as in a walk,
+// no time is tested. Deliberate: an empty filter list takes every other path at once, so that the
+// time span counts only beside a filter.
+bool filter_match(const cmd_params& span, bool& unreadable, const std::string& path,
+                  const filter_list& filters, file_stat* stat);
 
-// The test itself, and that of a walk, which gives no `stat` and so tests no time. Names are
-// compared in lower case; the first filter that fits decides. `unreadable` tells that a file whose
-// bytes were to be compared couldn't be opened.
+// The same for a wide path, whose time is tested even if there is no filter.
 bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
                        const filter_list& filters, file_stat* stat);

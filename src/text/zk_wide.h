@@ -11,6 +11,13 @@ namespace zk {
 // aren't checked.
 bool decode_utf8(std::string_view text, std::wstring& out);
 
+// Whether every byte is below 0x80.
+bool is_ascii(std::string_view text);
+
+// Whether the text comes back from its wide form as it was: every byte fits a sequence, and none is
+// an overlong form or a value above 0x10FFFF. Surrogates pass.
+bool is_exact_utf8(std::string_view text);
+
 // The decoded text, or an empty one if any byte is wrong.
 std::wstring utf8_to_wide(std::string_view text);
 

@@ -24,7 +24,8 @@ filter_list compiled(const string& text) {
 
 bool takes(const filter_list& filters, const string& path, const cmd_params& span = {}) {
   file_stat stat;
-  return filter_match(span, path, filters, stat);
+  bool unreadable = false;
+  return filter_match(span, unreadable, path, filters, &stat);
 }
 
 TEST(Filter, TextAndPathsTaken) {
@@ -87,15 +88,14 @@ TEST(Walk, FoldersDepthAndFilters) {
     const filter_list filters = c[2].empty() ? filter_list() : compiled(c[2]);
     if (!stream.open_walk(c[0], number32(c[1]), filters)) return string("refused");
     std::multiset<string> paths;
-    for (string path; stream.read_line(path, true);) paths.insert(path + ",");
+    for (string path; stream.getline(path, true);) paths.insert(path + ",");
     return std::accumulate(paths.begin(), paths.end(), string());
   });
   check_cases("front/list", [](const strings& c) {
-    std::vector<zkportdir::_DIR_NODE> nodes;
-    zkportdir::list_dir(zk::utf8_to_wide(c[0]), zk::utf8_to_wide(c[1]), nodes);
     std::multiset<string> entries;
-    for (const auto& [path, name, is_dir, is_long, depth] : nodes)
-      entries.insert(joined(zk::wide_to_utf8(path), zk::wide_to_utf8(name), is_dir, depth) + ",");
+    zkportdir::list_dir(c[0], c[1], [&](const zkportdir::_DIR_NODE_STL& node) {
+      entries.insert(joined(node.path, node.path.substr(node.name_at), node.is_dir) + ",");
+    });
     return std::accumulate(entries.begin(), entries.end(), string());
   });
   std::filesystem::current_path(before);

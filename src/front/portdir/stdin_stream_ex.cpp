@@ -1,7 +1,6 @@
 #include "front/portdir/stdin_stream_ex.h"
 
-#include <utility>
-#include <vector>
+#include <string_view>
 
 #include "front/path_match.h"
 #include "front/portdir/zk_portable_dir.h"
@@ -11,15 +10,22 @@
 namespace zkportdir {
 namespace {
 
-constexpr size_t shortest_prefixed = 5;
-constexpr size_t shortest_long_path = 47;
-constexpr size_t prefix_size = 4;  // "\\?\"
+constexpr size_t shortest_long_path = 47;  // in characters
+constexpr size_t prefix_size = 4;          // "\\?\"
 
+// A long path that begins with two backslashes loses its first four characters, unless "global"
+// follows them.
 void cut_long_path_prefix(std::wstring& path) {
-  if (path.size() < shortest_prefixed || !path.starts_with(L"\\\\")) return;
-  if (path.size() < shortest_long_path) return;
+  if (path.size() < shortest_long_path || !path.starts_with(L"\\\\")) return;
   std::wstring copy = path;
   if (zk::to_lower_wide(copy).find(L"global") != prefix_size) path.erase(0, prefix_size);
+}
+
+void cut_long_path_prefix(std::string& path) {
+  if (!path.starts_with("\\\\")) return;
+  std::wstring wide = zk::utf8_to_wide(path);
+  cut_long_path_prefix(wide);
+  path = zk::wide_to_utf8(wide);
 }
 
 }  // namespace
@@ -35,67 +41,52 @@ void stdin_stream_ex::reset() {
 bool stdin_stream_ex::open_walk(const std::string& folder, uint32_t num_subdirs,
                                 const filter_list& filters) {
   if (folder.empty()) return false;
-  std::wstring wide = zk::utf8_to_wide(folder);
   reset();
   max_depth = num_subdirs;
   walk_filters = filters;
-  if (accept_path(wide, true)) pending_dirs.push_back({std::move(wide), 0});
   walking = true;
+  std::wstring start = zk::utf8_to_wide(folder);
+  // Deliberate: the folder that a walk starts from may lose a prefix twice, any other once.
+  cut_long_path_prefix(start);
+  cut_long_path_prefix(start);
+  list_folder(zk::wide_to_utf8(start), 0);
   return true;
 }
 
-bool stdin_stream_ex::read_line(std::string& out, bool strip_line_end) {
-  if (!walking) return stdin_stream::read_line(out, strip_line_end);
-  std::wstring path;
-  const bool found = next_from_walk(path);
-  out = zk::wide_to_utf8(path);
-  return found;
+bool stdin_stream_ex::getline(std::string& out, bool strip_line_end) {
+  return walking ? next_from_walk(out) : read_line(out, strip_line_end);
 }
 
-bool stdin_stream_ex::next_from_walk(std::wstring& out) {
+bool stdin_stream_ex::next_from_walk(std::string& out) {
   out.clear();
-  pending_dir folder;
+  std::string folder;
   while (pending_files.empty()) {
-    if (!next_folder(folder)) return false;
-    list_folder(folder);
+    if (pending_dirs.empty()) return false;
+    const uint32_t depth = pending_dirs.pop(folder);
+    cut_long_path_prefix(folder);
+    list_folder(folder, depth);
   }
-  out = std::move(pending_files.back());
-  pending_files.pop_back();
+  pending_files.pop(out);
+  cut_long_path_prefix(out);
   return true;
 }
 
-bool stdin_stream_ex::next_folder(pending_dir& next) {
-  while (!pending_dirs.empty()) {
-    next = std::move(pending_dirs.back());
-    pending_dirs.pop_back();
-    if (next.depth <= max_depth) return true;
-  }
-  return false;
+void stdin_stream_ex::list_folder(const std::string& folder, uint32_t depth) {
+  list_dir(folder, "*.*", [&](const _DIR_NODE_STL& entry) {
+    const std::string_view path = entry.path;
+    const std::string_view parent = path.substr(0, entry.name_at);
+    const std::string_view name = path.substr(entry.name_at);
+    if (!entry.is_dir) {
+      if (accept_path(entry.path)) pending_files.push(parent, name, depth);
+    } else if (depth < max_depth) {
+      pending_dirs.push(parent, name, depth + 1);
+    }
+  });
 }
 
-void stdin_stream_ex::list_folder(const pending_dir& folder) {
-  std::wstring path = folder.path;
-  if (!accept_path(path, true)) return;
-  std::vector<_DIR_NODE> entries;
-  list_dir(path, L"*.*", entries);
-  for (_DIR_NODE& entry : entries) {
-    if (entry.is_dir) {
-      pending_dirs.push_back({std::move(entry.path), folder.depth + 1});
-    } else if (accept_path(entry.path, false)) {
-      pending_files.push_back(std::move(entry.path));
-    }
-  }
-}
-
-bool stdin_stream_ex::accept_path(std::wstring& path, bool skip_filter) const {
-  if (!skip_filter && !walk_filters.empty()) {
-    bool unreadable = false;
-    if (!filter_match_wide(no_span, unreadable, path, walk_filters, nullptr) && !unreadable) {
-      return false;
-    }
-  }
-  cut_long_path_prefix(path);
-  return true;
+bool stdin_stream_ex::accept_path(const std::string& path) const {
+  bool unreadable = false;
+  return filter_match(no_span, unreadable, path, walk_filters, nullptr) || unreadable;
 }
 
 }  // namespace zkportdir

@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <deque>
 #include <string>
 
 #include "front/filter_text.h"
 #include "front/opts/cmd_params.h"
+#include "front/portdir/path_stack.h"
 #include "uni/stdin_stream.h"
 
 namespace zkportdir {
@@ -20,28 +20,22 @@ class stdin_stream_ex : public uni::stdin_stream {
 
   // Walks `folder` and as many levels below it from now on. The walk is depth-first, and within a
   // folder it takes the reverse of the listing's order; links are files. A folder that can't be
-  // read gives nothing. False for an empty name; a folder that isn't there gives an empty walk.
+  // read gives nothing, nor does a name that isn't UTF-8. False for an empty name; a folder that
+  // isn't there gives an empty walk.
   bool open_walk(const std::string& folder, uint32_t num_subdirs, const filter_list& filters);
 
-  // The next path. One whose name isn't UTF-8 comes out empty. False at the end.
-  bool read_line(std::string& out, bool strip_line_end) override;
+  // The next path. A walk's has no line end; that of a line goes if `strip_line_end` is set. False
+  // at the end, with `out` empty.
+  virtual bool getline(std::string& out, bool strip_line_end);
 
  private:
-  struct pending_dir {
-    std::wstring path;
-    uint32_t depth;
-  };
+  bool next_from_walk(std::string& out);
+  void list_folder(const std::string& folder, uint32_t depth);
+  // Whether the filters take the path of a file, or can't tell because it can't be read.
+  bool accept_path(const std::string& path) const;
 
-  bool next_from_walk(std::wstring& out);
-  // Takes the last folder that isn't too deep. False if there is none.
-  bool next_folder(pending_dir& next);
-  void list_folder(const pending_dir& folder);
-  // Whether the filters, unless left out, take the path. A long one that begins with
-  // two backslashes loses its first four characters, unless "global" follows them.
-  bool accept_path(std::wstring& path, bool skip_filter) const;
-
-  std::deque<pending_dir> pending_dirs;
-  std::deque<std::wstring> pending_files;
+  path_stack pending_dirs;
+  path_stack pending_files;
   uint32_t max_depth = 1;
   filter_list walk_filters;
   bool walking = false;

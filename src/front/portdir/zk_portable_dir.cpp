@@ -7,7 +7,7 @@
 
 #include <algorithm>
 #include <memory>
-#include <utility>
+#include <string_view>
 
 #include "text/path_text.h"
 #include "text/zk_string.h"
@@ -44,69 +44,82 @@ bool fits(const _DIR_NODE_STL& node, const name_parts& pattern) {
          part_fits(pattern.name, parts.name);
 }
 
-std::vector<_DIR_NODE_STL> list_narrow(std::string folder, const std::string& pattern) {
-  std::vector<_DIR_NODE_STL> entries;
-  if (folder.empty()) return entries;
-  const bool slash = folder.find('/') != std::string::npos;
-  const char separator = slash ? '/' : '\\';
-  if (folder.back() != separator) folder += separator;
-  std::vector<std::string> folders = {folder};
-  std::set<std::string> expanded;
-  while (expand_wild_folders(folders, slash, expanded)) {
+// Tells a folder's entries apart. One that the system doesn't answer for counts as what the one
+// before it was, and as a file if it is the first.
+class entry_types {
+ public:
+  entry_types(DIR* stream, const std::string& folder)
+      : descriptor(::dirfd(stream)), by_path(folder.back() != '/') {
+    // In a folder that may be read but not searched no entry can be asked about. The types that its
+    // listing tells must not count then.
+    struct stat facts;
+    listing_tells = !by_path && ::fstatat(descriptor, ".", &facts, 0) == 0;
   }
-  for (const std::string& path : folders) {
-    if (!path.empty()) read_folder(path.substr(0, path.find('*')), entries, 0, false, slash);
-  }
-  if (!pattern.empty() && pattern != every_name) {
-    name_parts wanted;
-    split_name(pattern, wanted);
-    std::erase_if(entries,
-                  [&](const _DIR_NODE_STL& node) { return !node.is_dir && !fits(node, wanted); });
-  }
-  return entries;
-}
 
-// The text in wide form, or nothing if it isn't plain UTF-8: a name in an overlong form would come
-// back as another, such as "..".
-std::wstring exact_wide(const std::string& text) {
-  std::wstring wide = zk::utf8_to_wide(text);
-  if (zk::wide_to_utf8(wide) != text) wide.clear();
-  return wide;
+  // Whether the entry is a folder. `path` is the folder's text with the entry's name behind it.
+  bool is_dir(const dirent& entry, const std::string& path) {
+    struct stat facts;
+    if (listing_tells && entry.d_type != DT_UNKNOWN) {
+      last_is_dir = entry.d_type == DT_DIR;
+    } else if (ask(entry, path, facts)) {
+      last_is_dir = S_ISDIR(facts.st_mode);
+    }
+    return last_is_dir;
+  }
+
+ private:
+  bool ask(const dirent& entry, const std::string& path, struct stat& facts) const {
+    if (by_path) return ::lstat(path.c_str(), &facts) == 0;
+    return ::fstatat(descriptor, entry.d_name, &facts, AT_SYMLINK_NOFOLLOW) == 0;
+  }
+
+  int descriptor;
+  bool by_path;  // asks about the joined path: it lies elsewhere if the folder was cut at a star
+  bool listing_tells;
+  bool last_is_dir = false;
+};
+
+constexpr char dir_mark = 'd';
+constexpr char file_mark = 'f';
+
+// The names in a folder, each between a mark of its type and a NUL.
+std::string read_names(const std::string& folder, bool dirs_only) {
+  std::string names;
+  const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
+  if (!stream) return names;
+  entry_types types(stream.get(), folder);
+  std::string path = folder;
+  while (const dirent* entry = ::readdir(stream.get())) {
+    const std::string_view name = entry->d_name;
+    if (name == "." || name == "..") continue;
+    path.resize(folder.size());
+    path += name;
+    const bool is_dir = types.is_dir(*entry, path);
+    if (!is_dir && dirs_only) continue;
+    names += is_dir ? dir_mark : file_mark;
+    names += name;
+    names += '\0';
+  }
+  return names;
 }
 
 }  // namespace
 
-bool read_folder(const std::string& folder, std::vector<_DIR_NODE_STL>& out, uint32_t depth,
-                 bool dirs_only, bool slash) {
-  const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
-  if (!stream) return false;
-  const size_t before = out.size();
-  struct stat facts = {};  // an entry that can't be asked has the mode of the one before it
-  while (const dirent* entry = ::readdir(stream.get())) {
-    const std::string name = entry->d_name;
-    if (name == "." || name == "..") continue;
-    _DIR_NODE_STL node;
-    node.path = folder + name;
-    // The joined path is what is asked about, and it lies elsewhere if the folder was cut at a
-    // star.
-    if (folder.back() == '/') {
-      ::fstatat(::dirfd(stream.get()), entry->d_name, &facts, AT_SYMLINK_NOFOLLOW);
-    } else {
-      ::lstat(node.path.c_str(), &facts);
-    }
-    node.is_dir = S_ISDIR(facts.st_mode);
-    if (!node.is_dir && dirs_only) continue;
-    node.depth = depth;
-    if (node.is_dir) {
-      node.path += slash ? '/' : '\\';
-      ++node.depth;
-    } else {
-      node.name = name;
-    }
-    node.is_long_path = node.path.size() > 4 && node.path.starts_with("\\\\?\\");
-    out.push_back(std::move(node));
+bool read_folder(const std::string& folder, bool dirs_only, bool slash, const node_sink& take) {
+  const std::string names = read_names(folder, dirs_only);
+  _DIR_NODE_STL node;
+  node.path = folder;
+  node.name_at = folder.size();
+  for (size_t at = 0; at < names.size();) {
+    const std::string_view name = names.c_str() + at + 1;
+    node.is_dir = names[at] == dir_mark;
+    node.path.resize(node.name_at);
+    node.path += name;
+    if (node.is_dir) node.path += slash ? '/' : '\\';
+    take(node);
+    at += name.size() + 2;
   }
-  return out.size() != before;
+  return !names.empty();
 }
 
 bool expand_wild_folders(std::vector<std::string>& folders, bool slash,
@@ -122,28 +135,37 @@ bool expand_wild_folders(std::vector<std::string>& folders, bool slash,
     folders[i].clear();
     // A folder whose name is "*" would bring its own path back for ever.
     if (!expanded.insert(path).second) continue;
-    std::vector<_DIR_NODE_STL> found;
-    read_folder(path.substr(0, at + 1), found, 0, true, slash);
     const std::string tail = path.substr(at + marker.size());
-    for (size_t n = 0; n < found.size(); ++n) {
-      std::string target = found[n].path + tail;
-      if (n == 0) {
-        folders[i] = std::move(target);
+    read_folder(path.substr(0, at + 1), true, slash, [&](const _DIR_NODE_STL& node) {
+      if (folders[i].empty()) {
+        folders[i] = node.path + tail;
       } else {
-        folders.push_back(std::move(target));
+        folders.push_back(node.path + tail);
       }
-    }
+    });
   }
   return done;
 }
 
-void list_dir(const std::wstring& folder, const std::wstring& pattern,
-              std::vector<_DIR_NODE>& out) {
-  out.clear();
-  for (const _DIR_NODE_STL& node :
-       list_narrow(zk::wide_to_utf8(folder), zk::wide_to_utf8(pattern))) {
-    out.push_back(
-        {exact_wide(node.path), exact_wide(node.name), node.is_dir, node.is_long_path, node.depth});
+void list_dir(const std::string& folder, const std::string& pattern, const node_sink& take) {
+  if (folder.empty()) return;
+  const bool slash = folder.find('/') != std::string::npos;
+  const char separator = slash ? '/' : '\\';
+  std::vector<std::string> folders = {folder};
+  if (folder.back() != separator) folders[0] += separator;
+  std::set<std::string> expanded;
+  while (expand_wild_folders(folders, slash, expanded)) {
+  }
+  const bool takes_all = pattern.empty() || pattern == every_name;
+  name_parts wanted;
+  split_name(pattern, wanted);
+  for (const std::string& path : folders) {
+    if (path.empty()) continue;
+    read_folder(path.substr(0, path.find('*')), false, slash, [&](const _DIR_NODE_STL& node) {
+      // A name in an overlong form would come back from its wide form as another, such as "..".
+      if (!zk::is_exact_utf8(node.path)) return;
+      if (takes_all || node.is_dir || fits(node, wanted)) take(node);
+    });
   }
 }
 

@@ -1,31 +1,29 @@
 // Listing of one folder.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
 
 namespace zkportdir {
 
-// One entry of a folder. A folder's own path ends in its separator, and its name is empty.
-template <class String>
-struct dir_node {
-  String path;  // the whole path
-  String name;
+// One entry of a folder.
+struct _DIR_NODE_STL {
+  std::string path;    // the whole path; that of a folder ends in its separator
+  size_t name_at = 0;  // where in `path` the entry's own name begins
   bool is_dir = false;
-  bool is_long_path = false;  // the path begins with "\\?\"; nothing reads it
-  uint32_t depth = 0;         // nothing reads it
 };
 
-using _DIR_NODE = dir_node<std::wstring>;
-using _DIR_NODE_STL = dir_node<std::string>;
+// Gets each entry of a listing in turn; the entry is used again for the next.
+using node_sink = std::function<void(const _DIR_NODE_STL&)>;
 
-// Appends the entries of `folder`, which must end in its separator, in the system's order. "." and
-// ".." are left out; links aren't followed. Subfolders get the separator, a slash or a backslash,
-// and the next depth. False if there are none or the folder can't be read.
-bool read_folder(const std::string& folder, std::vector<_DIR_NODE_STL>& out, uint32_t depth,
-                 bool dirs_only, bool slash);
+// Lists `folder`, which must end in its separator, in the system's order, and has closed it when
+// the first entry comes. "." and ".." are left out, and all but folders if `dirs_only` is set;
+// links aren't followed. Subfolders get the separator, a slash or a backslash. False if there are
+// no entries or the folder can't be read.
+bool read_folder(const std::string& folder, bool dirs_only, bool slash, const node_sink& take);
 
 // Replaces each path with a folder "*" in it by one path for each real folder in that place; a path
 // without any, and one that is in `expanded` already, becomes empty. False if there was nothing to
@@ -35,8 +33,8 @@ bool expand_wild_folders(std::vector<std::string>& folders, bool slash,
 
 // Lists the entries of `folder` whose name and extension fit `pattern`, without regard to case;
 // folders always fit. The folder may hold folders "*", and is otherwise cut at a "*". Its separator
-// is the slash if it holds one, else the backslash. An entry whose name isn't UTF-8 has empty
-// texts.
-void list_dir(const std::wstring& folder, const std::wstring& pattern, std::vector<_DIR_NODE>& out);
+// is the slash if it holds one, else the backslash. An entry whose path isn't plain UTF-8 is left
+// out.
+void list_dir(const std::string& folder, const std::string& pattern, const node_sink& take);
 
 }  // namespace zkportdir

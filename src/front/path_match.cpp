@@ -78,9 +78,10 @@ bool ends_at_boundary(const String& folder, size_t at, size_t length) {
   return end == folder.size() || folder[end] == '/' || folder[end] == '\0';
 }
 
-// `folder` is in lower case.
+// `folder` is in lower case. Deliberate: its backslashes, once turned, stay slashes for the filters
+// that follow.
 template <class String>
-bool folder_fits(const path_filter& filter, String folder) {
+bool folder_fits(const path_filter& filter, String& folder) {
   size_t at = find_text(folder, filter.match_text);
   if (at == String::npos && folder.find('\\') != String::npos) {
     turn_backslashes(folder);

@@ -68,6 +68,7 @@ TEST(Text, Cases) {
     const bool result = zk::decode_utf8(c[0], text);
     EXPECT_EQ(text, text_of(c[1]));
     EXPECT_EQ(zk::utf8_to_wide(c[0]), result ? text : L"");
+    EXPECT_EQ(zk::is_exact_utf8(c[0]), result && zk::wide_to_utf8(text) == c[0]);
     return joined(result);
   });
   uint32_t read = 99;

@@ -121,7 +121,7 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
   // The directory ends where the first table begins.
   const uint64_t size = (first_table - begin) / vmdk_layout::sector_size * vmdk_layout::sector_size;
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
-  if (size > largest_directory) return false;
+  if (size == 0 || size > largest_directory) return false;
   if (size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
   std::vector<uint8_t> bytes(size);
   directory.resize(size / sizeof(uint32_t));

@@ -16,7 +16,7 @@ uint64_t mix(uint64_t n) {
 
 template <size_t n>
 std::string pick(const std::array<const char*, n>& texts, uint64_t bits) {
-  return texts[bits % n];
+  return texts[static_cast<size_t>(bits % n)];
 }
 
 constexpr std::array hosts = {"www.example.com",    "images.example.net", "static.example.org",
@@ -48,7 +48,7 @@ uint32_t dos_moment(uint64_t bits) {
 
 record typical_url(uint64_t n) {
   const uint64_t bits = mix(n);
-  const content_kind& content = contents[bits / 7 % contents.size()];
+  const content_kind& content = contents[static_cast<size_t>(bits / 7 % contents.size())];
   const std::string name = pick(stems, bits >> 8) + std::to_string(n % 1000);
   const std::string file = name + "." + content.extension;
   const auto size = static_cast<uint32_t>(bits >> 40 & 0x3FFFF);

@@ -70,7 +70,7 @@ bool parse_filter_text(filter_list& out, std::string text) {
 void parse_byte_list(std::vector<uint8_t>& out, const std::string& text, char separator, bool hex) {
   out.clear();
   for (const std::string& number : zk::split_trimmed(text, std::string_view(&separator, 1))) {
-    out.push_back(static_cast<uint8_t>(std::strtoul(number.c_str(), nullptr, hex ? 16 : 10)));
+    out.push_back(static_cast<uint8_t>(std::strtoull(number.c_str(), nullptr, hex ? 16 : 10)));
   }
 }
 

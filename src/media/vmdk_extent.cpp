@@ -5,8 +5,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <exception>
 #include <limits>
-#include <new>
 
 #include "media/partition_map.h"
 #include "text/le_bytes.h"
@@ -36,7 +36,7 @@ bool VMDK_EXTENT::open(const std::wstring& path, bool write) {
   // Every size that came from the file is bounded before it is taken.
   try {
     m_valid = m_fd != -1 && parse();
-  } catch (const std::bad_alloc&) {
+  } catch (const std::exception&) {
     m_valid = false;
   }
   return m_valid;
@@ -69,11 +69,11 @@ bool VMDK_EXTENT::read_descriptor() {
   const uint32_t size = sectors_to_bytes32(zk::load_le64(&m_header[vmdk_layout::descriptor_size]));
   if (::lseek(m_fd, static_cast<off_t>(at), SEEK_SET) == -1) return false;
   // The text ends at a NUL, and so at the file's end, whatever size it is said to have.
-  constexpr uint64_t piece_size = 65536;
+  constexpr uint32_t piece_size = 65536;
   std::string text;
   bool ended = false;
   for (uint64_t done = 0; done < size && !ended; done += piece_size) {
-    std::string piece(std::min<uint64_t>(piece_size, size - done), '\0');
+    std::string piece(static_cast<size_t>(std::min<uint64_t>(piece_size, size - done)), '\0');
     if (!read_filled(reinterpret_cast<uint8_t*>(piece.data()), piece.size(), at + done)) {
       return false;
     }
@@ -123,9 +123,9 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
   const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
   if (size == 0 || size > largest_directory) return false;
   if (size / sizeof(uint32_t) * table_bytes > largest_tables) return false;
-  std::vector<uint8_t> bytes(size);
-  directory.resize(size / sizeof(uint32_t));
-  if (!read_filled(bytes.data(), size, begin)) return false;
+  std::vector<uint8_t> bytes(static_cast<size_t>(size));
+  directory.resize(bytes.size() / sizeof(uint32_t));
+  if (!read_filled(bytes.data(), bytes.size(), begin)) return false;
   for (size_t i = 0; i < directory.size(); ++i) {
     directory[i] = zk::load_le32(&bytes[i * sizeof(uint32_t)]);
   }
@@ -133,51 +133,52 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
 }
 
 bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
-  const uint64_t table_bytes = uint64_t{m_entries_per_table} * sizeof(uint32_t);
+  // No more than all tables together, which the directory's size has bounded.
+  const size_t table_bytes = m_entries_per_table * sizeof(uint32_t);
   // Tables mostly stand one behind the other, so that one read brings many.
-  const uint64_t most_ahead = std::max<uint64_t>(table_bytes, 1 << 18);
+  const size_t most_ahead = std::max<size_t>(table_bytes, 1 << 18);
   std::vector<uint8_t> ahead;
   uint64_t ahead_at = 0;
   std::vector<uint8_t> scratch(table_bytes);
   m_table_numbers.reserve(directory.size());
   for (const uint32_t sector : directory) {
-    const uint32_t at = sectors_to_bytes32(sector);
+    const uint64_t at = sectors_to_bytes32(sector);
     if (at + table_bytes > m_metadata_size) {
       // The tables read so far stand; a short read instead leaves what was read before it.
-      if (::pread(m_fd, scratch.data(), table_bytes, at) == -1) break;
+      if (::pread(m_fd, scratch.data(), table_bytes, static_cast<off_t>(at)) == -1) break;
       add_table(scratch.data());
       continue;
     }
     if (at < ahead_at || at + table_bytes > ahead_at + ahead.size()) {
       ahead_at = at;
-      ahead.resize(std::min<uint64_t>(most_ahead, m_metadata_size - at));
+      ahead.resize(static_cast<size_t>(std::min<uint64_t>(most_ahead, m_metadata_size - at)));
       if (!read_filled(ahead.data(), ahead.size(), at)) {
         // What can't be read may lie behind this table.
         ahead.resize(table_bytes);
         if (!read_filled(ahead.data(), ahead.size(), at)) return false;
       }
     }
-    add_table(&ahead[at - ahead_at]);
+    add_table(&ahead[static_cast<size_t>(at - ahead_at)]);
   }
   return !m_table_numbers.empty();
 }
 
 void VMDK_EXTENT::add_table(const uint8_t* bytes) {
-  const uint64_t size = uint64_t{m_entries_per_table} * sizeof(uint32_t);
+  const size_t size = m_entries_per_table * sizeof(uint32_t);
   // All bytes equal their neighbours, and so the first.
   if (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, size - 1) == 0) {
     m_table_numbers.push_back(empty_table);
     return;
   }
   m_table_numbers.push_back(static_cast<uint32_t>(m_entries.size() / m_entries_per_table));
-  for (uint64_t at = 0; at < size; at += sizeof(uint32_t)) {
+  for (size_t at = 0; at < size; at += sizeof(uint32_t)) {
     m_entries.push_back(zk::load_le32(bytes + at));
   }
 }
 
 uint32_t VMDK_EXTENT::entry_of(uint32_t table, uint32_t entry) const {
   const uint32_t number = m_table_numbers[table];
-  return number == empty_table ? 0 : m_entries[uint64_t{number} * m_entries_per_table + entry];
+  return number == empty_table ? 0 : m_entries[size_t{number} * m_entries_per_table + entry];
 }
 
 bool VMDK_EXTENT::read_first_sector() {
@@ -250,13 +251,13 @@ uint64_t VMDK_EXTENT::capacity_bytes() const {
   return m_valid ? zk::load_le64(&m_header[vmdk_layout::capacity]) * vmdk_layout::sector_size : 0;
 }
 
-bool VMDK_EXTENT::read_filled(uint8_t* out, uint64_t count, uint64_t at) const {
-  uint64_t done = 0;
+bool VMDK_EXTENT::read_filled(uint8_t* out, size_t count, uint64_t at) const {
+  size_t done = 0;
   while (done < count && at + done < m_file_size) {
     const ssize_t got = ::pread(m_fd, out + done, count - done, static_cast<off_t>(at + done));
     if (got == -1) return false;
     if (got == 0) break;
-    done += static_cast<uint64_t>(got);
+    done += static_cast<size_t>(got);
   }
   if (done < count) std::memset(out + done, 0, count - done);
   return true;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <string>
@@ -73,7 +74,7 @@ class VMDK_EXTENT {
   uint32_t entry_of(uint32_t table, uint32_t entry) const;
   bool read_first_sector();
   // Reads from the file; what it doesn't have becomes zeros. False if the read fails.
-  [[nodiscard]] bool read_filled(uint8_t* out, uint64_t count, uint64_t at) const;
+  [[nodiscard]] bool read_filled(uint8_t* out, size_t count, uint64_t at) const;
 
   std::array<uint8_t, vmdk_layout::sector_size> m_header = {};
   uint64_t m_file_size = 0;

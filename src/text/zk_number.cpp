@@ -22,7 +22,7 @@ bool read_number(const char* text, uint32_t& number) {
   if (!trim(copy)) return false;
 
   const auto read = [&](const char* digits, int base) {
-    number = static_cast<uint32_t>(std::strtoul(digits, nullptr, base));
+    number = static_cast<uint32_t>(std::strtoull(digits, nullptr, base));
     return true;
   };
   if (copy.size() > 1 && copy[1] == 'x') return read(text + 2, 16);
@@ -50,7 +50,7 @@ bool read_number_long(std::string& text, int64_t& number) {
   } else if (!begins_decimal(text[0])) {
     return false;
   }
-  number = std::strtol(text.c_str(), nullptr, base);
+  number = std::strtoll(text.c_str(), nullptr, base);
   return true;
 }
 

@@ -10,7 +10,7 @@ namespace zk {
 // text that begins with a digit, "+" or "-" as decimal, and 'c' as the code of c. What follows the
 // digits is ignored. The form is chosen on a trimmed, lower-cased copy, but the digits are read
 // from the text as given, in which leading blanks still stand: " 12" fails and " 0x1f" gives 0. The
-// result is that of strtoul, cut to 32 bits: -1 gives 4294967295. False, with 0 in `number`, for
+// result is that of strtoull, cut to 32 bits: -1 gives 4294967295. False, with 0 in `number`, for
 // null and for anything else.
 bool read_number(const char* text, uint32_t& number);
 

@@ -29,10 +29,11 @@ fileio::access access_for(bool write, bool truncate) {
   return truncate ? fileio::access::write_truncated : fileio::access::write;
 }
 
-// Makes `out` that many zeros. False if there isn't the memory.
+// Makes `out` that many zeros. False if there isn't the memory, or no vector can be so large.
 bool fill_guarded(std::vector<uint8_t>& out, uint64_t size) {
+  if (size > out.max_size()) return false;
   try {
-    out.assign(size, 0);
+    out.assign(static_cast<size_t>(size), 0);
   } catch (const std::exception&) {
     return false;
   }
@@ -50,13 +51,13 @@ bool append_guarded(std::vector<uint8_t>& out, const uint8_t* bytes, uint32_t co
 }
 
 // Reads up to `count` bytes at `offset`, in pieces, until all has come or nothing more does.
-uint64_t read_fully(int fd, uint8_t* buffer, uint64_t count, uint64_t offset) {
-  uint64_t done = 0;
+size_t read_fully(int fd, uint8_t* buffer, size_t count, uint64_t offset) {
+  size_t done = 0;
   while (done < count) {
-    const size_t piece = std::min<uint64_t>(count - done, largest_piece);
+    const size_t piece = std::min(count - done, largest_piece);
     const ssize_t got = ::pread(fd, buffer + done, piece, static_cast<off_t>(offset + done));
     if (got <= 0) break;
-    done += static_cast<uint64_t>(got);
+    done += static_cast<size_t>(got);
   }
   return done;
 }
@@ -170,11 +171,11 @@ bool fileio::read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offse
       std::min(static_cast<uint64_t>(count), static_cast<uint64_t>(cached_size) - offset);
   if (!fill_guarded(out, wanted)) return false;
   if (memory_mode) {
-    std::memcpy(out.data(), memory.data() + offset, wanted);
+    std::memcpy(out.data(), memory.data() + offset, out.size());
     memory_pos = offset + wanted;
     return true;
   }
-  const uint64_t done = read_fully(fd, out.data(), wanted, offset);
+  const size_t done = read_fully(fd, out.data(), out.size(), offset);
   if (done != 0) out.resize(done);
   return true;
 }

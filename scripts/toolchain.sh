@@ -41,3 +41,6 @@ compiler=(g++=g++ cmake=cmake make=make gzip=gzip)
 # cpack needs them for a package of Debian, and nothing else does.
 ! can_install || compiler+=(dpkg-shlibdeps=dpkg-dev file=file)
 gtest=(/usr/include/gtest/gtest.h=libgtest-dev)
+# The presets of other machines, which are emulated, and what their tools' names begin with.
+declare -A machines=([aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu
+  [armhf]=arm-linux-gnueabihf)

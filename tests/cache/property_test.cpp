@@ -106,7 +106,7 @@ struct RandomIndexes : testing::Test {
     while (at < end) {
       const uint64_t place = at + (!once_in(15) ? 0 : skew != 0 ? skew : 4 + pick(120));
       const byte_vector added = next_record();
-      bytes.resize(std::max(bytes.size(), (place + added.size() + 127) / 128 * 128));
+      bytes.resize(std::max<uint64_t>(bytes.size(), (place + added.size() + 127) / 128 * 128));
       std::copy(added.begin(), added.end(), &bytes[place]);
       at = once_in(6) ? place + 128 + pick(added.size() / 128) * 128 : bytes.size();
       if (once_in(8))
@@ -197,7 +197,7 @@ struct RandomIndexes : testing::Test {
     };
     whole_file = overlap == 0;
     for (uint64_t begin = 0; begin + overlap < bytes.size(); begin += step)
-      search(begin, std::min(bytes.size(), begin + step + overlap));
+      search(begin, std::min<uint64_t>(bytes.size(), begin + step + overlap));
     search(bytes.size() - overlap, bytes.size());  // a file's end comes once more
     // From the first right signature on no file needs one.
     any_signature = any_signature || (whole_file && has_signature());

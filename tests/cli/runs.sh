@@ -1,5 +1,5 @@
-# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library
-# of faults $shim.
+# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the variable
+# that puts the library of faults ahead of it $shim.
 
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {
@@ -20,7 +20,7 @@ make_rest() {
 fresh() { rm -rf work && cp -a inputs work && cd work || exit; }
 
 # The program with the library of faults ahead of it.
-faulty() { LD_PRELOAD=$shim ./udx "$@"; }
+faulty() { env "$shim" ./udx "$@"; }
 
 # So many times x, and long runs of it as their length.
 xs() { head -c "$1" /dev/zero | tr '\0' x; }

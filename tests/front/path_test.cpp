@@ -67,7 +67,7 @@ TEST(Filter, TimeSpan) {
     cmd_params span;
     span.start_unix = number32(c[0]), span.stop_unix = number32(c[1]);
     span.start_time_set = span.start_unix != 0, span.stop_time_set = span.stop_unix != 0;
-    const utimbuf times = {std::stol(c[2]), std::stol(c[2])};
+    const utimbuf times = {std::stoll(c[2]), std::stoll(c[2])};
     EXPECT_EQ(utime(path.c_str(), &times), 0);
     return joined(takes(compiled("f"), path, span), takes({}, path, span),
                   takes(compiled("f"), "/nowhere/f", span));

@@ -112,7 +112,7 @@ TEST(PartitionMap, VolumesOfABootRecord) {
     for (size_t i = 2; i < c.size(); ++i) {
       const strings words = cells(c[i], ' ');
       const uint64_t at = number(words[0]);
-      disk.resize(std::max(disk.size(), at + 512));
+      disk.resize(std::max<uint64_t>(disk.size(), at + 512));
       uint8_t* const record = &disk[at];
       uint8_t* entry = record + 446;
       for (size_t n = 1; n < words.size(); ++n) {

@@ -30,7 +30,8 @@ install(FILES completions/_udx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-fun
 install(FILES completions/udx.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
 install(FILES README.md CONTRIBUTING.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg
+  PATTERN *.sql)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # .invalid is the domain of addresses that lead nowhere.

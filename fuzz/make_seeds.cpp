@@ -5,7 +5,7 @@
 #include <map>
 
 #include "cache/index_dat.h"
-#include "tests/support/case_file.h"
+#include "tools/case_file.h"
 #include "tools/sample_records.h"
 #include "tools/vmdk_builder.h"
 

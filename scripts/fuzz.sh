@@ -6,7 +6,7 @@ set -eu
 seconds=${1:-20}
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
-need "${compiler[@]}" "${gtest[@]}" clang++-14=clang-14 \
+need "${compiler[@]}" clang++-14=clang-14 \
   /usr/lib/clang/14/lib/linux=libclang-rt-14-dev
 echo "building the fuzz targets"
 quietly cmake --preset fuzz

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # test.sh [PRESET]: builds udx with warnings as errors and runs all its tests. PRESET is release,
-# debug or asan, or another machine's: aarch64, s390x (big-endian) or armhf (32 bits).
-set -eu
+# debug or asan, or another machine's: aarch64, s390x (big-endian) or armhf (32 bits). The last line
+# tells how many tests were skipped, and what they lack.
+set -eu -o pipefail
 preset=${1:-release}
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
@@ -13,4 +14,14 @@ echo "building the tests ($preset)"
 quietly cmake --preset "$preset"
 quietly cmake --build --preset "$preset" -j2
 echo "running the tests ($preset)"
-ctest --preset "$preset" -j2
+log=$(mktemp)
+trap 'rm -f "$log"' EXIT
+status=0
+ctest --preset "$preset" -j2 | tee "$log" || status=$?
+missing=()
+for pair in "${test_tools[@]}"; do
+  command -v "${pair%%=*}" >/dev/null 2>&1 || missing+=("${pair#*=}")
+done
+echo "skipped tests: $(grep -c '\*\*\*Skipped' "$log" || :);" \
+  "missing packages that would run them: ${missing[*]:-none}"
+exit $status

@@ -44,3 +44,7 @@ gtest=(/usr/include/gtest/gtest.h=libgtest-dev)
 # The presets of other machines, which are emulated, and what their tools' names begin with.
 declare -A machines=([aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu
   [armhf]=arm-linux-gnueabihf)
+# What some tests are skipped without.
+test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox qemu-img=qemu-utils
+  ewfexport=ewf-tools tsk_recover=sleuthkit mcopy=mtools
+  parallel=parallel /usr/sbin/sshd=openssh-server ssh=openssh-client)

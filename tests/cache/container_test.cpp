@@ -1,95 +1,91 @@
 // The container: header, directory table, HASH blocks and the walk along them, file kinds. What is
 // read into was used by the case before.
-#include <gtest/gtest.h>
-
 #include <sstream>
 
 #include "cache/hash_walk.h"
-#include "tests/cache/index_text.h"
+#include "tests/support/check_cases.h"
+#include "tools/index_text_builder.h"
 
 namespace {
 
-TEST(Container, HeaderAndRange) {
-  check_cases("cache/header", [](const strings& c) {
-    index_text bytes(c);
-    cache_container container;
-    const bool read = read_header(container, bytes.data(), bytes.size());
-    return joined(read, reinterpret_cast<const char*>(container.header.data()));
-  });
+CASES(cache, header, 2) {
+  index_text_builder bytes(c);
   cache_container container;
-  EXPECT_FALSE(read_header(container, nullptr, 81));
-  check_cases("cache/fits", [](const strings& c) {
-    static const uint8_t bytes[101] = {}, *const base = bytes + 1;
-    return joined(range_fits(base, base + std::stoi(c[0]), number(c[1]), number(c[2])));
-  });
-  EXPECT_EQ(range_fits(nullptr, container.header.data(), 1, ~uint64_t{0}), 0u);
+  const bool read = read_header(container, bytes.data(), bytes.size());
+  return joined(read, reinterpret_cast<const char*>(container.header.data()));
 }
 
-TEST(Container, KindFromThePath) {
-  check_cases("cache/kind", [](const strings& c) {
-    cmd_opts opts;
-    opts.file_kind = 99;
-    opts.input_path = c[0];
-    const bool matched = classify_path(opts);
-    return joined(opts.file_kind, matched);
-  });
+CASES(cache, fits, 3) {
+  static const uint8_t bytes[101] = {};
+  const uint8_t* const base = bytes + 1;
+  return joined(range_fits(base, base + number<int>(c[0]), number(c[1]), number(c[2])));
 }
 
-TEST(Container, NamesOfDirectories) {
+TEST(Container, NullIsNothing) {
   cache_container container;
-  check_cases("cache/names", [&](const strings& c) {
-    strings parts = {"text Client UrlCache", "0x50:FIRST", "0x5C:SECOND", "0xC38:NAME 254"};
-    parts.insert(parts.end(), {"0xC44:NAME 255", "size 4096"});
-    parts.insert(parts.end(), c.begin(), c.end());
-    index_text bytes(parts);
-    record_table table{cmd_opts()};
-    std::string found = joined(attach_directories(container, table, bytes.data(), bytes.size()));
-    // A REDR record's row keeps the index that it has from the start.
-    cache_row row;
-    for (const uint8_t index : std::vector<uint8_t>{row.directory_index, 0, 1, 254, 255}) {
-      row.directory_index = index;
-      found += "|" + std::string(table.directory_of(row));
-    }
-    return found;
-  });
-}
-
-TEST(Container, HashBlock) {
   hash_block block;
-  check_cases("cache/hash_block", [&](const strings& c) {
-    index_text bytes(c, 1);
-    const bool read = read_hash_block(block, bytes.data(), number(c[0]), bytes.size());
-    EXPECT_EQ(read, block.parsed);
-    std::ostringstream found;
-    found << std::boolalpha << read << std::hex;
-    for (const hash_entry& entry : block.entries) found << " " << entry.record_offset;
-    for (const url_record& record : block.url_records) found << " url " << record.offset;
-    for (const redr_record& record : block.redr_records) found << " redr " << record.offset;
-    return found.str();
-  });
+  EXPECT_FALSE(read_header(container, nullptr, 81));
+  EXPECT_EQ(range_fits(nullptr, container.header.data(), 1, ~uint64_t{0}), 0u);
   EXPECT_FALSE(read_hash_block(block, nullptr, 0, 4096));
 }
 
-TEST(Container, Walk) {
-  cache_container container;
-  check_cases("cache/walk", [&](const strings& c) {
-    index_text bytes(c, 1);
-    std::ostringstream found;
-    found << std::boolalpha
-          << walk_hash_chain(container, bytes.data(), bytes.size(), c[0] == "gaps") << " "
-          << container.hash_blocks.size();
-    for (const std::string& name : container.directories) found << " " << name;
-    for (const auto& [offset, range] : container.occupied) {
-      found << ", " << std::hex << offset << "+" << range.length << std::dec << " "
-            << range.url_index << "/" << range.redr_index << (range.from_gap ? " gap" : "");
-      for (const uint32_t index : range.blocks) found << " " << static_cast<int32_t>(index);
-    }
-    for (const url_record& record : container.gap_urls)
-      found << " " << (record.in_gap ? record.url : "?");
-    for (const redr_record& record : container.gap_redrs)
-      found << " " << (record.in_gap ? record.url : "?");
-    return found.str();
-  });
+CASES(cache, kind, 1) {
+  cmd_opts opts;
+  opts.file_kind = 99;
+  opts.input_path = c[0];
+  const bool matched = classify_path(opts);
+  return joined(opts.file_kind, matched);
+}
+
+CASES(cache, names, 1, any_number) {
+  static cache_container container;
+  strings parts = {"text Client UrlCache", "0x50:FIRST",     "0x5C:SECOND",
+                   "0xC38:NAME 254",       "0xC44:NAME 255", "size 4096"};
+  parts.insert(parts.end(), c.begin(), c.end());
+  index_text_builder bytes(parts);
+  record_table table{cmd_opts()};
+  std::string found = joined(attach_directories(container, table, bytes.data(), bytes.size()));
+  // A REDR record's row keeps the index that it has from the start.
+  cache_row row;
+  for (const uint8_t index : std::vector<uint8_t>{row.directory_index, 0, 1, 254, 255}) {
+    row.directory_index = index;
+    found += "|" + std::string(table.directory_of(row));
+  }
+  return found;
+}
+
+CASES(cache, hash_block, 2, any_number) {
+  static hash_block block;
+  index_text_builder bytes(c, 1);
+  const bool read = read_hash_block(block, bytes.data(), number(c[0]), bytes.size());
+  EXPECT_EQ(read, block.parsed);
+  std::ostringstream found;
+  found << std::boolalpha << read << std::hex;
+  for (const hash_entry& entry : block.entries) found << " " << entry.record_offset;
+  for (const url_record& record : block.url_records) found << " url " << record.offset;
+  for (const redr_record& record : block.redr_records) found << " redr " << record.offset;
+  return found.str();
+}
+
+CASES(cache, walk, 2, any_number) {
+  static cache_container container;
+  index_text_builder bytes(c, 1);
+  std::ostringstream found;
+  found << std::boolalpha << walk_hash_chain(container, bytes.data(), bytes.size(), c[0] == "gaps")
+        << " " << container.hash_blocks.size();
+  for (const std::string& name : container.directories) found << " " << name;
+  for (const auto& [offset, range] : container.occupied) {
+    found << ", " << std::hex << offset << "+" << range.length << std::dec << " " << range.url_index
+          << "/" << range.redr_index << (range.from_gap ? " gap" : "");
+    for (const uint32_t index : range.blocks) found << " " << static_cast<int32_t>(index);
+  }
+  for (const url_record& record : container.gap_urls) {
+    found << " " << (record.in_gap ? record.url : "?");
+  }
+  for (const redr_record& record : container.gap_redrs) {
+    found << " " << (record.in_gap ? record.url : "?");
+  }
+  return found.str();
 }
 
 }  // namespace

@@ -1,10 +1,9 @@
-// The search and the roads to it, where random indexes can't show them.
-#include <gtest/gtest.h>
-
+// The search and what brings it bytes, where random indexes can't show them.
 #include "cache/parse_input.h"
 #include "cache/record_scan.h"
 #include "cache/record_signature.h"
-#include "tests/support/case_file.h"
+#include "tests/support/check_cases.h"
+#include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"
 #include "tools/index_builder.h"
 
@@ -25,27 +24,32 @@ TEST(Scan, TellsWhatItMet) {
   EXPECT_EQ(table.decoded_redr.url, "");
   EXPECT_FALSE(add_record(table, opts, good.data(), 16, 128));
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(add_record(table, opts, good.data(), 17, 128));
-  for (const auto& [size, found] : {std::pair{3u, no_record}, {132u, no_record}, {133u, 128u}})
+  for (const auto& [size, found] : {std::pair{3u, no_record}, {132u, no_record}, {133u, 128u}}) {
     EXPECT_EQ(find_next_record(noise.data(), size), found) << size;
+  }
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
 }
 
-TEST(Roads, FilesAndImages) {
-  const temp_dir dir;
-  const std::string path = dir.write("f", sample::index_file().add(record::redr("r")).bytes());
-  cmd_opts opts;
-  check_cases("cache/road", [&](const strings& c) {
-    opts.carve_columns = c[0] == "file";
-    opts.input_path = opts.carve_columns ? dir.path(c[1]) : "";
-    opts.partition_path = opts.carve_columns ? "" : dir.path(c[1]);
-    std::filesystem::resize_file(path, number(c[2]));
-    if (c.size() > 3) opts.show_progress = opts.write_header = !(opts.header_pending = true);
-    std::ostringstream rows;
-    testing::internal::CaptureStderr();
-    const bool result = parse_input(rows, opts);
-    const std::string seen = joined(result, testing::internal::GetCapturedStderr(), rows.str());
-    return replaced(replaced(seen, dir.path() + "/", ""), header_line, "titles\n");
-  });
+CASES(cache, input, 3, 4) {
+  static const temp_dir dir;
+  static cmd_opts opts;  // which keeps what crosses from one input to the next
+  static const bool written =
+      !dir.write("f", sample::index_file().add(record::redr("r")).bytes()).empty();
+  EXPECT_TRUE(written);
+  opts.carve_columns = c[0] == "file";
+  opts.input_path = opts.carve_columns ? dir.path(c[1]) : "";
+  opts.partition_path = opts.carve_columns ? "" : dir.path(c[1]);
+  std::filesystem::resize_file(dir.path("f"), number(c[2]));
+  if (c.size() > 3) {
+    opts.show_progress = false;
+    opts.write_header = false;
+    opts.header_pending = true;
+  }
+  std::ostringstream rows;
+  testing::internal::CaptureStderr();
+  const bool result = parse_input(rows, opts);
+  const std::string seen = joined(result, testing::internal::GetCapturedStderr(), rows.str());
+  return replaced(in_words(seen), dir.path() + "/", "");
 }
 
 }  // namespace

@@ -1,11 +1,11 @@
 // Whole runs of the program, as cases.txt and faults.txt tell: a shell's lines, and all that came.
-#include <gtest/gtest.h>
 #include <sys/wait.h>
 
 #include <cstdlib>
 #include <map>
 
-#include "tests/support/case_file.h"
+#include "tests/support/check_cases.h"
+#include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"
 #include "tools/sample_records.h"
 #include "tools/vmdk_builder.h"
@@ -15,14 +15,52 @@ namespace {
 using sample::record;
 using std::string;
 
+const case_kind runs("cli/cases.txt/run", 1, any_number);
+const case_kind real("cli/cases.txt/real", 1);
+const case_kind system_faults("cli/faults.txt/system", 1, any_number);
+const case_kind call_faults("cli/faults.txt/calls", 1, any_number);
+const case_kind limits("cli/faults.txt/limits", 1, any_number);
+const case_kind traced("cli/faults.txt/traced", 1, any_number);
+const case_kind mounted("cli/faults.txt/mounted", 1, any_number);
+
 struct run_result {
-  string out, err;
+  string out;
+  string err;
   int status;  // as a shell sees it; 128 and more for a signal
 };
 
-void replace(string& text, const string& from, const string& to, const string& with) {
-  for (size_t at; (at = text.find(from)) != string::npos;)
-    text.replace(at, std::min(text.find(to, at + from.size()), text.size()) + to.size() - at, with);
+// The run's details, from the program's name to the command line, as one line of a word.
+string without_details(string text) {
+  for (size_t at = 0; (at = text.find("udx - limited", at)) != string::npos;) {
+    const size_t end = std::min(text.find("\"\n\n", at), text.size());
+    text.replace(at, end + 3 - at, "<details>\n");
+  }
+  return text;
+}
+
+// Lines side by side: a usual row as the URL in it, behind the name of its file where that is new,
+// and a last line that doesn't end as a word.
+string side_by_side(const string& text) {
+  strings lines = cells(text, '\n');
+  const bool whole = lines.back().empty();
+  lines.pop_back();
+  string shown;
+  string file;
+  for (const string& line : lines) {
+    const strings row = cells(line);
+    const string url = row.size() == 17 ? row[9] : "";
+    const string& source = row.back();
+    const string usual =
+        "2021-03-04,05:06:07.000 UTC,,,,,,,URL ," + url + ",,,0,,0," + url + "," + source;
+    if (url.empty() || line != usual) {
+      shown += " " + line;
+      continue;
+    }
+    if (source != file) shown += " <rows of " + source + ">";
+    file = source;
+    shown += " " + url;
+  }
+  return shown + (whole ? "" : " <unended line>");
 }
 
 sample::byte_vector record_bytes(const string& url) {
@@ -70,75 +108,58 @@ struct Runs : testing::Test {
 
   // Runs a shell's lines, with the standard streams and no descriptor 3.
   run_result run(const string& lines) const {
-    const string script = "exec </dev/null 3>&- >out 2>err; udx='" UDX_PROGRAM "' shim='" UDX_SHIM
-                          "'; . '" UDX_SOURCE "/tests/cli/runs.sh'\n";
-    const int ended = std::system(("cd " + dir.path() + "; " + script + lines).c_str());
+    const string start = "cd '" + dir.path() +
+                         "'; exec </dev/null 3>&- >out 2>err; udx='" UDX_PROGRAM
+                         "' preload=" UDX_PRELOAD " shim='" UDX_SHIM "' examples='" UDX_SOURCE
+                         "/examples'; . '" UDX_SOURCE "/tests/cli/runs.sh'\n";
+    const int ended = std::system((start + lines).c_str());
     return {read_file(dir.path("out")), read_file(dir.path("err")),
             WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
   }
+  // What comes of a shell's line in a fresh copy of the inputs.
   string shown(const string& line) const {
-    run_result found = run("fresh\n" + line);
-    found.out += read_file(dir.path("work/rows"));
-    replace(found.out, "udx - limited", "\"\n\n", "details\n");
-    replace(found.err, source_file("tests/cli/help.txt"), "", "help");
-    for (string* const text : {&found.out, &found.err}) {
-      replace(*text, narrow_wipe, "", "%");
-      replace(*text, wide_wipe, "", "~");
-    }
-    strings lines = cells(found.out, '\n');
-    const bool whole = lines.back().empty();
-    lines.back() = "part";
-    if (whole) lines.pop_back();
-    string out, file;
-    for (const string& each : lines) {
-      const strings row = cells(each);
-      const string url = row.size() == 17 ? row[9] : "", source = row.back();
-      const bool usual = !url.empty() && each == "2021-03-04,05:06:07.000 UTC,,,,,,,URL ," + url +
-                                                     ",,,0,,0," + url + "," + source;
-      if (usual && source != file) out += " " + source + ":";
-      if (usual) file = source;
-      out += " " + (usual ? url : each + "\n" == header_line ? "titles" : each);
-    }
-    return std::to_string(found.status) + ";" + out + (found.err.empty() ? ";" : "; " + found.err);
+    const run_result found = run("fresh\n" + line);
+    const string written = found.out + read_file(dir.path("work/rows"));
+    const string titled = replaced(without_details(written), header_line, "<titles>\n");
+    const string out = side_by_side(in_words(titled));
+    const string help = source_file("tests/cli/help.txt");
+    const string err = in_words(replaced(found.err, help, "<help>"));
+    // The example stays as it was, and as the sample maker writes it.
+    EXPECT_EQ(read_file(dir.path("work/index.dat")), source_file("examples/index.dat"));
+    return "exit " + std::to_string(found.status) + (out.empty() ? "" : " | out" + out) +
+           (err.empty() ? "" : " | err " + err);
   }
-  void check(const string& kind) const {
-    check_cases("cli/" + kind, [&](const strings& c) {
-      string line;
-      for (const string& part : c) line += (line.empty() ? "" : " | ") + part;
-      const string seen = shown(line);
-      // The example stays as it was, and as the sample maker writes it.
-      EXPECT_EQ(read_file(dir.path("work/index.dat")), source_file("examples/index.dat"));
-      return seen;
-    });
+  void check(const case_kind& kind) const {
+    kind.check([this](const test_case& each) { return shown(each.whole_input); });
   }
 };
 
 TEST_F(Runs, CasesAndFaultsOfTheSystem) {
-  check("cases.txt/run");
-  check("faults.txt/system");
+  check(runs);
+  check(system_faults);
 }
 
 TEST_F(Runs, FaultsOfCallsAndLimits) {
   if (*UDX_SHIM == '\0') GTEST_SKIP() << "the sanitizers' runtime wants all memory and to be first";
-  check("faults.txt/calls");
+  check(call_faults);
   if (UDX_EMULATED) GTEST_SKIP() << "the emulator doesn't fit the limits: calls alone";
-  check("faults.txt/limits");
+  check(limits);
 }
 
 TEST_F(Runs, ChangeNoInput) {
-  check("faults.txt/traced");
+  check(traced);
   if (run("strace -o trace true").status != 0) GTEST_SKIP() << "no strace: compared files alone";
 }
 
 TEST_F(Runs, InputsCanLieWhereNothingCanBeWritten) {
   if (run("fresh && mounted true").status != 0) GTEST_SKIP() << "no folder mounts read-only";
-  check("faults.txt/mounted");
+  check(mounted);
 }
 
 // Real indexes, where a folder of them is named when the build is configured.
 using RealIndexes = Runs;
 TEST_F(RealIndexes, EveryRecordOnTheGrid) {
-  check("cases.txt/real");
+  check(real);
 }
 
 }  // namespace

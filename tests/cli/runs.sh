@@ -1,9 +1,11 @@
-# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the variable
-# that puts the library of faults ahead of it $shim.
+# Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library
+# of faults $shim, what an assignment begins with that puts it ahead of the program $preload, the
+# folder of examples $examples.
 
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {
   ln -s "$udx" udx
+  ln -s "$shim" ../shim.so
   mkdir -p MSHist a/b
   for name in two.dat MSHist/index.dat a/index.dat a/b/deep.dat; do cp one.dat $name; done
   touch -d @1000000000 one.dat index.dat
@@ -19,8 +21,8 @@ make_rest() {
 # Goes to a fresh copy of the inputs.
 fresh() { rm -rf work && cp -a inputs work && cd work || exit; }
 
-# The program with the library of faults ahead of it.
-faulty() { env "$shim" ./udx "$@"; }
+# The program with the library of faults ahead of it, by a path without a blank.
+faulty() { env "$preload"../shim.so ./udx "$@"; }
 
 # So many times x, and long runs of it as their length.
 xs() { head -c "$1" /dev/zero | tr '\0' x; }

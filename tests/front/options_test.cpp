@@ -1,13 +1,12 @@
 // The arguments, the option table, and the host's texts, as cases.txt tells.
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "front/arguments.h"
+#include "front/cmdline_ctx.h"
 #include "front/host_info.h"
 #include "front/option_actions.h"
 #include "front/opts/cmd_opts.h"
-#include "tests/support/case_file.h"
+#include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
 
 namespace {
@@ -39,93 +38,119 @@ struct shown_opts : cmd_opts {
         skip_filters.size(), enumdir, enumdir_path, num_subdirs, start_time_set, stop_time_set,
         start_filetime, stop_filetime, start_unix, stop_unix, aliases, alias_paths));
     strings found;
-    for (size_t i = 0; i < names.size(); ++i)
+    for (size_t i = 0; i < names.size(); ++i) {
       found.push_back(names[i].substr(0, names[i].find(',')) + "=" + values[i]);
+    }
     return found;
   }
 };
 
-TEST(Arguments, FindDropAndJoin) {
-  check_cases("front/arguments", [](const strings& c) {
-    argument_list args(c.begin() + 2, c.end());
-    const int at = std::stoi(c[0]);
-    const bool found = has_option(c[1], args, static_cast<uint8_t>(at));
-    text line = "old";
-    drop_argument(at, args);
-    make_cmdline(line, args, '\'');
-    return joined(found, line);
-  });
+// The fields that aren't among the others, behind what is `ahead` of them.
+text listed(text ahead, const strings& fields, const strings& others) {
+  for (const text& field : fields) {
+    if (std::find(others.begin(), others.end(), field) == others.end()) ahead += field + " ";
+  }
+  return ahead.substr(0, ahead.find_last_not_of(' ') + 1);
+}
+
+CASES(front, arguments, 2, any_number) {
+  argument_list args(c.begin() + 2, c.end());
+  const int at = number<int>(c[0]);
+  const bool found = has_option(c[1], args, static_cast<uint8_t>(at));
+  text line = "old";
+  drop_argument(at, args);
+  make_cmdline(line, args, '\'');
+  return joined(found, line);
+}
+
+TEST(Arguments, NullBecomesEmpty) {
   const char* const argv[] = {"udx", nullptr};
   EXPECT_EQ(make_argument_list(2, argv), (argument_list{"udx", ""}));
 }
 
-// The fields that aren't among the others, behind what is `ahead` of them.
-text listed(text ahead, const strings& fields, const strings& others) {
-  for (const text& field : fields)
-    if (std::find(others.begin(), others.end(), field) == others.end()) ahead += field + " ";
-  return ahead.substr(0, ahead.find_last_not_of(' ') + 1);
+CASES(front, default, 0) {
+  return listed("", shown_opts().fields(), {});
 }
 
-TEST(Options, WhatEachChanges) {
-  const strings plain = shown_opts().fields();
-  check_cases("front/default", [&](const strings&) { return listed("", plain, {}); });
+CASES(front, option, 0, any_number) {
   setenv("UDX_DIR", "/d", 1);
-  check_cases("front/option", [&](strings args) {
-    args.insert(args.begin(), "/usr/bin/udx.bin");
-    shown_opts with;
-    testing::internal::CaptureStderr();
-    const bool result = with.parse_options(args);
-    text seen = testing::internal::GetCapturedStderr() + (result ? "" : "failed ");
-    for (size_t i = 1; i < args.size(); ++i) seen += "left=" + args[i] + " ";
-    EXPECT_EQ(with.prog_name, "udx");
-    return listed(seen, with.fields(), plain);
-  });
+  argument_list args = c;
+  args.insert(args.begin(), "/usr/bin/udx.bin");
+  shown_opts with;
+  testing::internal::CaptureStderr();
+  const bool result = with.parse_options(args);
+  text seen = testing::internal::GetCapturedStderr() + (result ? "" : "failed ");
+  for (size_t i = 1; i < args.size(); ++i) seen += "left=" + args[i] + " ";
+  EXPECT_EQ(with.prog_name, "udx");
+  return listed(seen, with.fields(), shown_opts().fields());
+}
+
+TEST(Options, OfNoArguments) {
   argument_list none;
   EXPECT_FALSE(cmd_opts().parse_options(none));
-  check_cases("front/separator", [](const strings& c) {
-    cmd_opts o;
-    o.quoted_csv_fields = c[1] == "quoted";
-    o.set_separator(c[0], true);
-    return joined(o.csv_separator, o.delim_char, o.delim_subst);
-  });
 }
 
-TEST(Options, DiskLists) {
-  check_cases("front/disks", [](const strings& c) {
-    const auto check = [&](const auto&, std::ostream& out, auto& suggested) {
-      out << c[0];
-      for (const char letter : c[1]) suggested.emplace_back(1, letter);
-      return c[0].empty();
-    };
-    cmd_opts opts;
-    argument_list args(c.begin() + 2, c.end());
-    testing::internal::CaptureStderr();
-    const bool result = opts.parse_vmdk_options(args, check, nullptr, true, "-vmdk");
-    text seen = testing::internal::GetCapturedStderr() + (result ? "+" : "-");
-    for (const std::wstring& path : opts.vmdk_paths)
-      seen += "[" + text(path.begin(), path.end()) + "]";
-    return seen + std::to_string(opts.vmdk_offset);
-  });
+CASES(front, separator, 2) {
+  cmd_opts o;
+  o.quoted_csv_fields = c[1] == "quoted";
+  o.set_separator(c[0], true);
+  return joined(o.csv_separator, o.delim_char, o.delim_subst);
 }
 
-TEST(Host, LineAndVersionFile) {
-  EXPECT_TRUE(probe_exe_path().starts_with('/'));
-  check_cases("front/host", [](const strings& c) {
-    host_info info;
-    host_info_read(info, c[0]);
-    EXPECT_TRUE(info.ok);
-    info.system = "L;x", info.version = "#1", info.release = "6", info.node = "n";
-    info.is_64_bit = c[1] == "64";
-    std::ostringstream out("old");
-    host_info_write(info, out, ";", "_", c[2] == "node", c[3] == "stem");
-    return out.str();
-  });
-  check_cases("front/version", [](const strings& c) {
-    const temp_dir dir;
-    cmd_opts o;
-    read_system_version(o, dir.write("v", c[0]).c_str());
-    return joined(o.os_product_version, o.os_version_major, o.os_version_minor, o.os_version_patch);
-  });
+CASES(front, disks, 2, any_number) {
+  const auto check = [&](const auto&, std::ostream& out, auto& suggested) {
+    out << c[0];
+    for (const char letter : c[1]) suggested.emplace_back(1, letter);
+    return c[0].empty();
+  };
+  cmd_opts opts;
+  argument_list args(c.begin() + 2, c.end());
+  testing::internal::CaptureStderr();
+  const bool result = opts.parse_vmdk_options(args, check, nullptr, true, "-vmdk");
+  text seen = testing::internal::GetCapturedStderr() + (result ? "taken " : "refused ");
+  for (const std::wstring& path : opts.vmdk_paths) {
+    seen += "[" + text(path.begin(), path.end()) + "]";
+  }
+  return seen + std::to_string(opts.vmdk_offset);
+}
+
+text signal_text;
+
+TEST(Options, SignalsTextGoesToItsHook) {
+  cmd_opts opts;
+  opts.show_progress = false;
+  opts.signal_name = "S";
+  const auto hook = [](const text& given) {
+    signal_text = given;
+    return 0;
+  };
+  {
+    cmdline_ctx context;
+    context.configure(opts, hook);
+    EXPECT_EQ(signal_text, "");
+  }
+  EXPECT_EQ(signal_text, "S");
+}
+
+CASES(front, host, 4) {
+  host_info info;
+  host_info_read(info, c[0]);
+  EXPECT_TRUE(info.ok);
+  info.system = "L;x";
+  info.version = ";1";
+  info.release = "6";
+  info.node = "n";
+  info.is_64_bit = c[1] == "64";
+  std::ostringstream out("old");
+  host_info_write(info, out, ";", "_", c[2] == "node", c[3] == "stem");
+  return out.str();
+}
+
+CASES(front, version, 1) {
+  const temp_dir dir;
+  cmd_opts o;
+  read_system_version(o, dir.write("v", c[0]).c_str());
+  return joined(o.os_product_version, o.os_version_major, o.os_version_minor, o.os_version_patch);
 }
 
 }  // namespace

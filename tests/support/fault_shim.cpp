@@ -6,17 +6,21 @@
 //   FAULT_OPEN=N      the N-th open finds no free descriptor
 //   FAULT_PROC=1      there is no /proc
 //   FAULT_NOW=N       the time is N seconds after 1970
+//   FAULT_SYSTEM=N    all files lie on a file system of the type N
+//   FAULT_DEVICE=PATH what a link of a device leads to, and nothing otherwise
 //   FAULT_DO=COMMAND  is run by a shell, ahead of the read FAULT_READ=N
 #include <fcntl.h>
 #include <sys/syscall.h>
 #include <sys/time.h>
 #include <sys/uio.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
+#include <cstring>
 #include <ctime>
 #include <string_view>
 
@@ -79,6 +83,18 @@ int open(const char* path, int flags, ...) {
 
 ssize_t readlink(const char* path, char* buffer, size_t size) {
   return hidden(path) ? failed(ENOENT) : syscall(SYS_readlinkat, AT_FDCWD, path, buffer, size);
+}
+
+int statfs(const char* path, struct statfs* facts) {
+  off_t type = 0;
+  const auto result = static_cast<int>(syscall(SYS_statfs, path, facts));
+  if (given("FAULT_SYSTEM", type)) facts->f_type = type;
+  return result;
+}
+
+char* realpath(const char*, char* resolved) {
+  const char* const device = std::getenv("FAULT_DEVICE");
+  return device ? std::strcpy(resolved, device) : nullptr;
 }
 
 int gettimeofday(timeval* now, void*) {

@@ -1,9 +1,7 @@
 // Time values: limits, DOS pairs, local time, stamps, printed forms, and what options give.
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 
-#include "tests/support/case_file.h"
+#include "tests/support/check_cases.h"
 #include "time/date_format_context.h"
 #include "time/time_format.h"
 #include "time/time_parse.h"
@@ -39,9 +37,13 @@ zk::time loaded(uint64_t value, zk::type_time type = zk::type_time::filetime) {
 // What `made` gives for a moment, all its parts being optional.
 template <class Made>
 auto moment(const string& text, Made made) {
-  int p[6] = {1601, 1, 1};
-  std::sscanf(text.c_str(), "%d-%d-%d %d:%d:%d", p, p + 1, p + 2, p + 3, p + 4, p + 5);
-  return made(p[0], p[1], p[2], p[3], p[4], p[5]);
+  int parts[] = {1601, 1, 1, 0, 0, 0};
+  size_t next = 0;
+  for (const string& part : cells(replaced(replaced(text, " ", "-"), ":", "-"), '-')) {
+    if (next == std::size(parts)) throw std::invalid_argument("not a moment: " + text);
+    if (!text.empty()) parts[next++] = number<int>(part);
+  }
+  return made(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
 }
 
 // A moment of the fourth whose masks and forms are tested, in any year and month.
@@ -51,6 +53,8 @@ zk::time in_month(const string& month) {
 
 // The offset from UTC is looked up once a second, so a new zone shows with the next one.
 void use_zone(const char* zone) {
+  const char* const used = std::getenv("TZ");
+  if (used && string(used) == zone) return;
   const std::time_t before = std::time(nullptr);
   while (std::time(nullptr) == before) {
   }
@@ -70,48 +74,66 @@ TEST(Time, CalendarFields) {
             "999|999999|999999900|999999900000");
 }
 
-TEST(Time, LoadedInThreeZones) {
-  for (const char* zone : {"UTC", "WEST5WST4,0/0,J365/25", "EAST-5:30"}) {
-    use_zone(zone);
-    check_cases("time/" + string(zone).substr(0, 4), [](const strings& c) {
-      const auto type = static_cast<zk::type_time>(number32(c[0]));
-      const zk::time t = loaded(moment(c[1], filetime_of) + number(c[2]), type);
-      std::tm local = {};
-      const bool has_local = t.valid && t.local_tm(local);
-      EXPECT_EQ(t.filetime_copy, t.unix_seconds == 0 ? 0 : t.filetime);
-      return joined(t.valid, t.filetime, t.unix_seconds, shown(t.fields),
-                    has_local ? shown(local, "%Y-%m-%d %H:%M:%S w%w d%j") : "");
-    });
-  }
+// What a value gives in a zone.
+string loaded_in(const char* zone, const strings& c) {
+  use_zone(zone);
+  const auto type = static_cast<zk::type_time>(number32(c[0]));
+  const zk::time t = loaded(moment(c[1], filetime_of) + number(c[2]), type);
+  std::tm local = {};
+  const bool has_local = t.valid && t.local_tm(local);
+  EXPECT_EQ(t.filetime_copy, t.unix_seconds == 0 ? 0 : t.filetime);
+  return joined(t.valid, t.filetime, t.unix_seconds, shown(t.fields),
+                has_local ? shown(local, "%Y-%m-%d %H:%M:%S w%w d%j") : "");
+}
+
+CASES(time, UTC, 3) {
+  return loaded_in("UTC", c);
+}
+CASES(time, WEST, 3) {
+  return loaded_in("WEST5WST4,0/0,J365/25", c);
+}
+CASES(time, EAST, 3) {
+  return loaded_in("EAST-5:30", c);
+}
+
+TEST(Time, LocalTimeOfATm) {
+  use_zone("EAST-5:30");
   std::tm noon = {};
-  EXPECT_FALSE(zk::unix_to_local_tm(-1, noon) || noon.tm_mday != 0);
+  EXPECT_FALSE(zk::unix_to_local_tm(-1, noon));
+  EXPECT_EQ(noon.tm_mday, 0);
   strptime("2000-01-02 12", "%Y-%m-%d %H", &noon);
   zk::time t;
   EXPECT_TRUE(t.set_tm(noon, 7, false));  // local time that is stored as UTC
   EXPECT_EQ(t.filetime, filetime_of(2000, 1, 2, 12) + 70000);
-  use_zone("UTC");
 }
 
-TEST(Time, DosPairsTmAndParts) {
-  check_cases("time/dos", [](const strings& c) {
-    const uint32_t pair = moment(c[0], sample::dos_of);
-    zk::time t;
-    t.set_dos({static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)}, true);
-    EXPECT_EQ(t.filetime != 0, t.valid);
-    return t.valid ? shown(t.fields) : "";
-  });
-  check_cases("time/stamp", [](const strings& c) {
-    const zk::dos_pair stamp = loaded(moment(c[0], filetime_of)).dos_stamp;
-    return joined(stamp.date, stamp.time);
-  });
-  check_cases("time/tm", [](const strings& c) {
-    std::tm tm = {};
-    tm.tm_mon = std::stoi(c[0]);
-    tm.tm_year = std::stoi(c[1]);
-    tm.tm_mday = 1;
-    const uint64_t made = zk::tm_to_filetime(tm, 0);
-    return joined(tm.tm_mon, tm.tm_year, shown(loaded(made).fields).substr(0, 10));
-  });
+CASES(time, dos, 1) {
+  const uint32_t pair = moment(c[0], sample::dos_of);
+  zk::time t;
+  t.set_dos({static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)}, true);
+  EXPECT_EQ(t.filetime != 0, t.valid);
+  return t.valid ? shown(t.fields) : "";
+}
+
+CASES(time, stamp, 1) {
+  const uint64_t given = moment(c[0], filetime_of);
+  const zk::dos_pair stamp = loaded(given).dos_stamp;
+  zk::dos_pair made = {};
+  EXPECT_EQ(zk::filetime_to_dos(given, made), stamp.date != 0);
+  EXPECT_EQ(joined(made.date, made.time), joined(stamp.date, stamp.time));
+  return joined(stamp.date, stamp.time);
+}
+
+CASES(time, tm, 2) {
+  std::tm tm = {};
+  tm.tm_mon = number<int>(c[0]);
+  tm.tm_year = number<int>(c[1]);
+  tm.tm_mday = 1;
+  const uint64_t made = zk::tm_to_filetime(tm, 0);
+  return joined(tm.tm_mon, tm.tm_year, shown(loaded(made).fields).substr(0, 10));
+}
+
+TEST(Time, SystemtimeAndBack) {
   const uint64_t given = filetime_of(2004, 5, 6, 7, 8, 9) + 123 * 10000;
   uint64_t back = 0;
   zk::systemtime_to_filetime(loaded(given).fields, back);
@@ -133,28 +155,39 @@ TEST(Time, NowAndNtpStamps) {
   EXPECT_NEAR(static_cast<double>(now.unix_seconds), static_cast<double>(std::time(nullptr)), 2);
 }
 
-TEST(Time, FormsAndParsing) {
-  check_cases("time/mask", [](const strings& c) {
-    string date = "old", time = "old";
-    const zk::time t = in_month(c[2]);
-    EXPECT_EQ(zk::format_masked(date, time, t, c[0], c[1]), t.valid);
-    return joined(date, time);
-  });
-  check_cases("time/default", [](const strings& c) {
-    string date = "old", time = "old";
-    const bool fraction = c[0] == "fraction", short_year = c[1] == "short", nano = c[2] == "nano";
-    zk::format_default(date, time, in_month(c[3]), fraction, short_year, nullptr, nano);
-    return joined(date, time);
-  });
-  check_cases("time/derived", [](const strings& c) {
-    const zk::date_format_context context = zk::derive_format_masks(c[0], c[1], c[2] == "true");
-    return joined(context.separator, int{context.flags}, int{context.digits});
-  });
-  check_cases("time/parsed", [](const strings& c) {
-    zk::_windows_systemtime f = {};
-    const bool read = zk::parse_date_time(c[0].c_str(), c[3].c_str(), c[1], c[2][0], f);
-    return joined(read, shown(f), f.millisecond);
-  });
+CASES(time, mask, 3) {
+  string date = "old";
+  string time = "old";
+  const zk::time t = in_month(c[2]);
+  EXPECT_EQ(zk::format_masked(date, time, t, c[0], c[1]), t.valid);
+  return joined(date, time);
+}
+
+CASES(time, default, 4) {
+  string date = "old";
+  string time = "old";
+  zk::format_default(date, time, in_month(c[3]), c[0] == "fraction", c[1] == "short", nullptr,
+                     c[2] == "nano");
+  return joined(date, time);
+}
+
+CASES(time, derived, 3) {
+  static constexpr const char* flag_names[] = {"month name",     "month",         "four-digit year",
+                                               "short year",     "comma",         "day month year",
+                                               "month day year", "year month day"};
+  const zk::date_format_context context = zk::derive_format_masks(c[0], c[1], c[2] == "paired");
+  string seen = joined(context.separator);
+  for (size_t bit = 0; bit < std::size(flag_names); ++bit) {
+    if ((context.flags >> bit & 1) != 0) seen += joined("", flag_names[bit]);
+  }
+  if ((context.digits & 1) != 0) seen += "|paired";
+  return joined(seen, context.digits >> 1);
+}
+
+CASES(time, parsed, 4) {
+  zk::_windows_systemtime f = {};
+  const bool read = zk::parse_date_time(c[0].c_str(), c[3].c_str(), c[1], c[2].at(0), f);
+  return joined(read, shown(f), f.millisecond);
 }
 
 }  // namespace

@@ -1,12 +1,13 @@
 // The file layer, on real files, and messages byte for byte.
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "tests/support/case_file.h"
+#include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
+#include "text/zk_wide.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
 #include "uni/fileio_output.h"
+#include "uni/stdin_stream.h"
 
 namespace {
 
@@ -42,14 +43,15 @@ struct stage {
 
   string read(auto reader, auto count, const string& at) const {
     string buffer(99, '.');
-    const bool result = (file.*reader)(buffer.data(), count, std::stoll(at));
+    const bool result = (file.*reader)(buffer.data(), count, number<int64_t>(at));
     return joined(result, count, buffer.erase(buffer.find_last_not_of('.') + 1));
   }
 
   string play(const string& step) {
     strings c = cells(step, ' ');
     c.resize(3);
-    const string &verb = c[0], &text = c[1];
+    const string& verb = c[0];
+    const string& text = c[1];
     const string path = text.empty() || text[0] == '/' ? text : dir.path(text);
     const auto size = static_cast<uint32_t>(text.size());
     std::vector<uint8_t> block = {'.'};
@@ -60,21 +62,35 @@ struct stage {
     if (verb == "size") return joined(file.is_open(), file.size(), file.measure_size());
     if (verb == "read") return read(&uni::fileio::read_at, number32(text), c[2]);
     if (verb == "wide") return read(&uni::fileio::read_at_wide, number(text), c[2]);
-    if (verb == "block") return with_block(file.read_block(block, std::stoll(text), number(c[2])));
+    if (verb == "block") {
+      return with_block(file.read_block(block, number<int64_t>(text), number(c[2])));
+    }
     if (verb == "load") return with_block(uni::load_file(block, path, number32(c[2])));
-    if (verb == "append") return joined(file.append(text.empty() ? nullptr : &text[0], size));
-    if (verb == "write") return joined(file.write_at(&text[0], size, number(c[2])));
+    if (verb == "append") return joined(file.append(text.empty() ? nullptr : text.data(), size));
+    if (verb == "write") return joined(file.write_at(text.data(), size, number(c[2])));
     if (verb == "text") return joined(file.append_text(std::ostringstream(text)));
     if (verb == "rights") return joined(file.set_permissions(text));
-    if (verb == "mode")
+    if (verb == "mode") {
       return joined(static_cast<int>(std::filesystem::status(path).permissions()));
+    }
+    if (verb == "exists") return joined(uni::path_exists_stat(path));
     if (verb == "held") return counted(read_file(path)) + ".";
-    if (verb == "attach") return joined((out = file.attach_output()) != nullptr);
-    if (verb == "clear") out->clear();
+    if (verb == "attach") {
+      out = file.attach_output();
+      return joined(out != nullptr);
+    }
     if (verb == "out") return joined((*out << repeated(text, c[2])).flush().good());
-    if (verb == "memory") file.open_memory({text.begin(), text.end()});
-    if (verb == "cut") std::filesystem::resize_file(path, number(c[2]));
-    if (verb == "close") file.close();
+    if (verb == "clear") {
+      out->clear();
+    } else if (verb == "memory") {
+      file.open_memory({text.begin(), text.end()});
+    } else if (verb == "cut") {
+      std::filesystem::resize_file(path, number(c[2]));
+    } else if (verb == "close") {
+      file.close();
+    } else {
+      throw std::invalid_argument("unknown verb: " + verb);
+    }
     return "-";
   }
 
@@ -85,23 +101,44 @@ struct stage {
   }
 };
 
-TEST(File, Steps) {
-  const auto open_files = [] {
+// No step may leave a file open, and what is made gets its rights from the program alone.
+class file_steps {
+ public:
+  file_steps() : mask_before(umask(0)), files_before(open_files()) {}
+  file_steps(const file_steps&) = delete;
+  file_steps& operator=(const file_steps&) = delete;
+  ~file_steps() {
+    umask(mask_before);
+    EXPECT_EQ(open_files(), files_before);
+  }
+
+ private:
+  static ptrdiff_t open_files() {
     return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-  };
-  const auto before = open_files();
-  const mode_t old = umask(0);
-  check_cases("uni/steps", [](const strings& c) { return stage().play_all(c); });
-  check_cases("uni/roads", [](const strings& c) {
-    stage on_disk, in_memory;
-    on_disk.play("open f write");
-    in_memory.play("memory 0123456789");
-    const string seen = on_disk.play_all(c);
-    EXPECT_EQ(in_memory.play_all(c), seen);
-    return seen;
-  });
-  umask(old);
-  EXPECT_EQ(open_files(), before);
+  }
+
+  const mode_t mask_before;
+  const ptrdiff_t files_before;
+};
+
+CASES(uni, steps, 1, any_number) {
+  const file_steps surroundings;
+  return stage().play_all(c);
+}
+
+CASES(uni, memory, 1, any_number) {
+  const file_steps surroundings;
+  stage on_disk;
+  stage in_memory;
+  on_disk.play("open f write");
+  in_memory.play("open f");  // which the bytes take the place of
+  in_memory.play("memory 0123456789");
+  const string seen = on_disk.play_all(c);
+  EXPECT_EQ(in_memory.play_all(c), seen);
+  return seen;
+}
+
+TEST(File, RightsOfWhatIsOnlyRead) {
   EXPECT_EQ(uni::open_mode_for(uni::fileio::access::read).creation_mode, 0404u);
 }
 
@@ -121,22 +158,37 @@ int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
   return result;
 }
 
-TEST(Console, Messages) {
-  check_cases("uni/message", [](const strings& c) {
-    const string how = c[0], text = repeated(c[1], c[2]);
-    const int limit = std::stoi(c[3]);
-    int result = 0;
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    if (how == "message") result = uni::message("%s", text.c_str());
-    if (how == "nothing") result = uni::message(nullptr) + uni::set_terminal_title(nullptr);
-    if (how == "percent") uni::progress_percent("%s", text.c_str());
-    if (how == "print") result = print(false, limit, false, "%s", text.c_str());
-    if (how == "raw") result = print(false, limit, true, "%s", text.c_str());
-    if (how == "raw_error") result = print(true, limit, true, "%s", text.c_str());
-    const string err = testing::internal::GetCapturedStderr();
-    return joined(result, counted(err), counted(testing::internal::GetCapturedStdout()));
-  });
+CASES(uni, message, 4) {
+  const string& how = c[0];
+  const string text = repeated(c[1], c[2]);
+  const int limit = number<int>(c[3]);
+  int result = 0;
+  testing::internal::CaptureStdout();
+  testing::internal::CaptureStderr();
+  if (how == "message") {
+    result = uni::message("%s", text.c_str());
+  } else if (how == "nothing") {
+    result = uni::message(nullptr) + uni::set_terminal_title(nullptr);
+  } else if (how == "percent") {
+    uni::progress_percent("%s", text.c_str());
+  } else if (how != "print" && how != "raw" && how != "raw error") {
+    throw std::invalid_argument("unknown verb: " + how);
+  } else {
+    result = print(how == "raw error", limit, how != "print", "%s", text.c_str());
+  }
+  const string err = testing::internal::GetCapturedStderr();
+  return joined(result, counted(err), counted(testing::internal::GetCapturedStdout()));
+}
+
+// What is read of a standard input that holds a case's text.
+CASES(uni, lines, 2) {
+  const temp_dir dir;
+  EXPECT_NE(std::freopen(dir.write("in", c[1]).c_str(), "r", stdin), nullptr);
+  uni::stdin_stream in;
+  string seen;
+  std::wstring line;
+  while (in.read_line_wide(line, c[0] == "stripped")) seen += "[" + zk::wide_to_utf8(line) + "]";
+  return seen;
 }
 
 }  // namespace

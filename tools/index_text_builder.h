@@ -15,13 +15,13 @@
 #include <map>
 #include <string>
 
-#include "tests/support/case_file.h"
+#include "tools/case_file.h"
 #include "tools/index_builder.h"
 
-class index_text {
+class index_text_builder {
  public:
   // From the inputs of a case, without the first `skipped`.
-  explicit index_text(const strings& inputs, size_t skipped = 0) {
+  explicit index_text_builder(const strings& inputs, size_t skipped = 0) {
     for (size_t i = skipped; i < inputs.size(); ++i) add(inputs[i]);
     bytes.shrink_to_fit();
   }
@@ -50,14 +50,16 @@ class index_text {
     put(named != fields.end() ? named->second : number(field), text);
   }
 
-  sample::byte_vector piece(const std::string& kind, const std::string& text) {
+  static sample::byte_vector piece(const std::string& kind, const std::string& text) {
     using sample::record;
     if (kind == "url") return record::url(text).bytes();
     if (kind == "redr") return record::redr(text).bytes();
     if (kind == "leak") return record::leak().bytes();
-    if (kind == "roomy")
-      return record::url("u").put32(0x34, 383).put_text(105, std::string(279, '.')).bytes();
     if (kind == "text") return {text.begin(), text.end()};
+    if (kind == "roomy") {
+      return record::url("u").put32(0x34, 383).put_text(105, std::string(279, '.')).bytes();
+    }
+    if (kind != "hash") throw std::invalid_argument("unknown piece: " + kind);
     std::vector<uint32_t> offsets;
     for (const std::string& offset : cells(text, ' ')) offsets.push_back(number32(offset));
     return sample::hash_block_bytes(offsets, 0);
@@ -65,7 +67,8 @@ class index_text {
 
   void add(const std::string& part) {
     const size_t gap = std::min(part.find_first_of(" =:"), part.size());
-    const std::string word = part.substr(0, gap), rest = part.substr(gap).erase(0, 1);
+    const std::string word = part.substr(0, gap);
+    const std::string rest = part.substr(gap).erase(0, 1);
     if (part[gap] == '=') {
       put_number(word, number(rest));
     } else if (part[gap] == ':') {

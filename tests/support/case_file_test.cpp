@@ -1,0 +1,49 @@
+// The reader of cases itself: what it takes, and what it tells of a case that is mistyped.
+#include <filesystem>
+
+#include "tests/support/check_cases.h"
+
+namespace {
+
+// Read as a file in which the kind "one" has one input and "some" two at least.
+CASES(support, file, 1) {
+  try {
+    const std::vector<test_case> cases = parse_cases("t", c[0]);
+    require_known(cases, {{"one", {1, 1}}, {"some", {2, any_number}}});
+    std::string seen;
+    for (const test_case& each : cases) {
+      seen += std::to_string(each.line) + " " + each.kind;
+      for (const std::string& input : each.inputs) seen += " [" + input + "]";
+      seen += " " + each.expected + "; ";
+    }
+    return seen + "end";
+  } catch (const std::runtime_error& wrong) {
+    return wrong.what();
+  }
+}
+
+CASES(support, number, 2) {
+  try {
+    if (c[0] == "byte") return std::to_string(number<uint8_t>(c[1]));
+    if (c[0] == "signed") return std::to_string(number<int32_t>(c[1]));
+    return std::to_string(number(c[1]));
+  } catch (const std::invalid_argument& wrong) {
+    return wrong.what();
+  }
+}
+
+CASES(support, difference, 2) {
+  return difference(c[0], c[1]);
+}
+
+TEST(Support, EveryFileOfCasesIsRead) {
+  const std::filesystem::path top = UDX_SOURCE;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(top / "tests")) {
+    const std::string file = entry.path().lexically_relative(top).string();
+    // Those of the runs are read by their own program.
+    if (!file.ends_with(".txt") || file.starts_with("tests/cli/")) continue;
+    EXPECT_TRUE(declared_kinds().contains(file) || file.ends_with("CMakeLists.txt")) << file;
+  }
+}
+
+}  // namespace

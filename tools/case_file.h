@@ -1,0 +1,84 @@
+// The tables that the tests are, and that the fuzz targets start from: cases in text files,
+// tests/FOLDER/cases.txt or another name. A case is
+//
+//   KIND | INPUT | INPUT => EXPECTED
+//
+// and goes on in the lines below it that begin with a blank, each line's end counting as one blank.
+// Blanks around an input don't count; \n \t \r \0 \\ and \xHH stand for those characters. An empty
+// line or one that begins with # is no case; any other must be one. What can't be understood throws
+// an error that begins with the file and the line.
+#pragma once
+
+#include <charconv>
+#include <cstdint>
+#include <limits>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+using strings = std::vector<std::string>;
+
+struct test_case {
+  std::string file;  // from the top of the source tree
+  int line = 0;
+  std::string kind;
+  strings inputs;
+  std::string whole_input;  // the same with the bars between
+  std::string expected;
+
+  std::runtime_error error(const std::string& what) const;
+};
+
+// The cases in a text, which is what `file` holds.
+std::vector<test_case> parse_cases(const std::string& file, const std::string& text);
+
+// The file of a table "FOLDER/KIND" or "FOLDER/NAME.txt/KIND", and the cases of that kind in it,
+// of which there is at least one.
+std::string file_of(const std::string& table);
+std::vector<test_case> cases_of(const std::string& table);
+
+// What a file of the source tree holds, and any file; nothing where it can't be read.
+std::string source_file(const std::string& name);
+std::string read_file(const std::string& path);
+
+// The cells of a row.
+strings cells(const std::string& row, char separator = ',');
+
+// A text with `to` for each `from`.
+std::string replaced(std::string text, const std::string& from, const std::string& to);
+
+// A text as it would stand in a file of cases.
+std::string escaped(const std::string& text);
+
+// A number in decimal or, behind 0x, in hexadecimal. A negative one is of the type's own width.
+// Throws unless the whole text is one that the type can hold.
+template <class Number = uint64_t>
+Number number(const std::string& text) {
+  const bool negative = text.starts_with('-');
+  const bool hexadecimal = text.compare(negative, 2, "0x") == 0;
+  const char* const end = text.data() + text.size();
+  const char* const digits = text.data() + negative + (hexadecimal ? 2 : 0);
+  uint64_t size = 0;
+  const auto [last, error] = std::from_chars(digits, end, size, hexadecimal ? 16 : 10);
+  const uint64_t most = negative ? uint64_t{1} << (sizeof(Number) * 8 - 1)
+                                 : std::numeric_limits<std::make_unsigned_t<Number>>::max();
+  if (error != std::errc() || last != end || size > most) {
+    throw std::invalid_argument("not a number here: '" + text + "'");
+  }
+  return static_cast<Number>(negative ? 0 - size : size);
+}
+inline uint32_t number32(const std::string& text) {
+  return number<uint32_t>(text);
+}
+
+// Values side by side, apart by bars.
+template <class... Values>
+std::string joined(const Values&... values) {
+  std::ostringstream out;
+  out << std::boolalpha;
+  const char* between = "";
+  ((out << between << values, between = "|"), ...);
+  return out.str();
+}

@@ -87,15 +87,15 @@ bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t count) const
 uni::stretch VMDK_CHAIN::stretch_at(uint64_t offset) const {
   constexpr uint64_t no_end = std::numeric_limits<uint64_t>::max();
   if (!m_valid) return {no_end, false};
+  // Whoever goes farther asks again: numbers of tables start anew, so that there may be no end.
+  const uint64_t limit = offset + std::min(no_end - offset, longest_stretch);
   const VMDK_EXTENT* owner = nullptr;
   uint64_t end = offset;
-  while (end != no_end && !(owner = find_owner(end))) {
-    // Never farther than a read would go before it asks for an owner again.
-    uint64_t step = no_end - end;
+  while (end < limit && !(owner = find_owner(end))) {
+    uint64_t step = limit - end;
     for (const auto& [key, extent] : m_extents) {
       step = std::min(step, extent->bytes_not_held(end));
     }
-    if (step == 0) break;
     end += step;
   }
   if (end != offset) return {end, true};

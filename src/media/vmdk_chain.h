@@ -14,6 +14,9 @@
 // The parent key of an extent without a parent, in this spelling alone.
 inline constexpr const char* no_parent_cid = "ffffffff";
 
+// How many bytes of a disk are looked over at once for what no extent holds.
+inline constexpr uint64_t longest_stretch = 1ULL << 30;
+
 class VMDK_CHAIN {
  public:
   explicit VMDK_CHAIN(bool write) : m_writable(write) {}
@@ -36,7 +39,7 @@ class VMDK_CHAIN {
   const VMDK_EXTENT* find_owner(uint64_t offset) const;
 
   // Whether no extent holds anything from a place on the disk on, so that it reads as zeros, and up
-  // to which place.
+  // to which place, at most `longest_stretch` bytes on.
   uni::stretch stretch_at(uint64_t offset) const;
 
   // Joins an extent to its parent, if that is in the map. False if it isn't.

@@ -221,7 +221,10 @@ uint64_t VMDK_EXTENT::bytes_not_held(uint64_t offset) const {
   const auto table = static_cast<uint32_t>(offset / m_bytes_per_table);
   const uint64_t left_in_table = m_bytes_per_table - offset % m_bytes_per_table;
   if (table < m_table_numbers.size()) {
-    return m_table_numbers[table] == empty_table ? left_in_table : bytes_to_grain_end(offset);
+    if (m_table_numbers[table] == empty_table) return left_in_table;
+    // Where products wrap, a table isn't a whole number of grains long.
+    const uint64_t in_table = offset - table * m_bytes_per_table;
+    return std::min(left_in_table, m_bytes_per_grain - in_table % m_bytes_per_grain);
   }
   // Nothing is held behind the last table, until the table's number starts from 0 again.
   const uint64_t tables_left = std::numeric_limits<uint32_t>::max() - table;

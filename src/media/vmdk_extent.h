@@ -31,7 +31,7 @@ class VMDK_EXTENT {
   uint32_t bytes_to_grain_end(uint64_t offset) const;
 
   // How many bytes from a place on the virtual disk that it doesn't hold it certainly doesn't hold
-  // either. 0 where a grain's size is nothing in 32 bits.
+  // either, at least 1.
   uint64_t bytes_not_held(uint64_t offset) const;
 
   // Reads `count` bytes of the virtual disk from the grains that this extent holds. A grain that

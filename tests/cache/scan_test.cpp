@@ -30,6 +30,20 @@ TEST(Scan, TellsWhatItMet) {
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
 }
 
+// The next block begins at 256, so that its search begins at 384.
+TEST(Table, GivesWhatIsFinalAndNoMore) {
+  const cmd_opts opts;
+  record_table table(opts);
+  table.take_final = [](const cache_row& row) { EXPECT_EQ(row.url(), "383"); };
+  for (const uint64_t offset : {385, 383, 384}) {
+    table.keep_texts(*table.add(offset), std::to_string(offset));
+  }
+  table.next_block_at(256);
+  EXPECT_EQ(table.rows.size(), 2U);
+  EXPECT_EQ(table.add(384), nullptr);
+  EXPECT_EQ(table.rows[0].url(), "384");
+}
+
 CASES(cache, input, 3, 4) {
   static const temp_dir dir;
   static cmd_opts opts;  // which keeps what crosses from one input to the next

@@ -1,5 +1,7 @@
 // Raw sources, as cases.txt tells: extents and chains of a VMware disk, plain images, the map of a
 // boot record.
+#include <sys/resource.h>
+
 #include <sstream>
 
 #include "media/disk_chain_check.h"
@@ -82,6 +84,29 @@ TEST(Extent, VolumesOfItsFirstSector) {
   EXPECT_TRUE(extent.open(zk::utf8_to_wide(dir.write("f", builder.bytes())), false));
   EXPECT_EQ(extent.m_volume_offsets, std::vector<uint64_t>{2048 * 512});
   EXPECT_EQ(extent.m_volume_sector_sizes, std::vector<uint32_t>{512});
+}
+
+// A disk of 128 tables of 512 bytes each, which come again with each 2 TiB. Only the first holds
+// anything.
+TEST(Disk, IsLookedOverPieceByPiece) {
+  const temp_dir dir;
+  vmdk_builder builder{vmdk_builder::keys("b", "ffffffff"), {{0, bytes(512, 'B')}}, 128};
+  bytes made = builder.bytes();
+  made[20] = made[44] = 1;
+  const RAW_DISK_IO disk({zk::utf8_to_wide(dir.write("f", made))}, false);
+  EXPECT_FALSE(disk.stretch_at(0).zeros);
+  EXPECT_TRUE(disk.stretch_at(512).zeros);
+  EXPECT_EQ(disk.stretch_at(512).end, 512 + longest_stretch);
+  EXPECT_EQ(disk.stretch_at((1ULL << 41) - 1000).end, 1ULL << 41);
+}
+
+TEST(Extent, TakesNoMemoryForTablesThatItHasNot) {
+  rusage before = {};
+  rusage after = {};
+  ::getrusage(RUSAGE_SELF, &before);
+  written(extents(), {"h", "", "", "44=0x4000000", "1536=3"});
+  ::getrusage(RUSAGE_SELF, &after);
+  EXPECT_LT(after.ru_maxrss, before.ru_maxrss + 100000);  // in KiB
 }
 
 CASES(media, header, 1, any_number) {

@@ -1,4 +1,5 @@
-// Preloaded into the program, makes its system calls fail as the environment says:
+// Preloaded into the program, or part of the unit tests, makes system calls fail as the environment
+// says:
 //
 //   FAULT_SHORT=N     no read brings more than N bytes
 //   FAULT_EIO=AT      each read of the byte AT of a file fails

@@ -39,6 +39,9 @@ struct cache_row {
   std::string_view http_header() const {
     return {texts + url_size + user_size + filename_size, http_header_size};
   }
+  size_t texts_size() const {
+    return size_t{url_size} + user_size + filename_size + http_header_size;
+  }
   bool is_leak() const { return signature == leak_signature; }
   bool is_redirect() const { return signature == redr_signature; }
 };

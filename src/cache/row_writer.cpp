@@ -1,5 +1,6 @@
 #include "cache/row_writer.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 
@@ -7,6 +8,7 @@ namespace {
 
 constexpr std::string_view utc_label = " UTC";
 constexpr std::string_view local_label = " local";
+constexpr size_t longest_pair = zk::longest_date + zk::longest_time + local_label.size();
 
 constexpr std::string_view carve_titles[] = {"note", "offset"};
 constexpr std::string_view titles[] = {
@@ -15,6 +17,32 @@ constexpr std::string_view titles[] = {
     "user",          "filename",          "file size",      "directory",   "count",
     "HTTP header",   "index.dat filename"};
 constexpr int verbose_cells = 6;  // user to HTTP header
+constexpr size_t longest_number = 10;
+// From the type on: the type itself, the file size and the count, whose lengths aren't at hand.
+constexpr size_t cells_behind_times = 8;
+constexpr size_t most_in_numbers = 4 + 2 * longest_number;
+
+// Writes one cell behind the other, where there is enough space for all of them.
+class cell_cursor {
+ public:
+  cell_cursor(char* begin, std::string_view cell_separator)
+      : at(begin), separator(cell_separator) {}
+
+  void put(std::string_view text) { at = std::copy(text.begin(), text.end(), at); }
+  void put_number(uint32_t value) { at = std::to_chars(at, at + longest_number, value).ptr; }
+  void end_cell() {
+    if (separator.size() == 1) {
+      *at++ = separator[0];
+    } else {
+      put(separator);
+    }
+  }
+
+  char* at;
+
+ private:
+  const std::string_view separator;
+};
 
 }  // namespace
 
@@ -35,104 +63,122 @@ void row_writer::write_header_line() {
 
 void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
   line.clear();
-  if (opts.carve_columns) {
-    append_number(number);
-    end_cell();
-    line.put("0x");
-    append_number(row.offset, 16, 8);
-    end_cell();
-  }
-  append_filetime_pair(row.last_mod, row.local_time ? local_label : utc_label);
+  if (opts.carve_columns) append_carve_cells(row, number);
+  append_filetime_pair(row.last_mod, row.local_time);
   append_access_pair(row);
   append_dos_pair(row.expires);
   append_dos_pair(row.last_sync);
-  for (int shift = 0; shift < 32; shift += 8) {
-    line.put(static_cast<char>(row.signature >> shift));
-  }
-  end_cell();
-  append_cell(row.url());
-  if (opts.verbose) {
-    append_cell(row.user());
-    append_cell(row.filename());
-    append_number(row.file_size);
-    end_cell();
-    append_cell(table.directory_of(row));
-    append_number(row.count);
-    end_cell();
-    append_cell(row.http_header());
-  } else {
-    for (int i = 0; i < verbose_cells; ++i) end_cell();
-  }
-  line.put(table.source);
+  append_other_cells(table, row);
   end_line();
-}
-
-void row_writer::end_cell() {
-  if (opts.csv_separator.size() == 1) {
-    line.put(opts.csv_separator[0]);
-  } else {
-    line.put(opts.csv_separator);
-  }
 }
 
 void row_writer::append_cell(std::string_view text) {
   line.put(text);
-  end_cell();
+  line.put(opts.csv_separator);
 }
 
-void row_writer::append_number(uint64_t value, int base, size_t width) {
+void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
   std::array<char, 20> digits;
-  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value, base).ptr;
-  const std::string_view text(digits.data(), static_cast<size_t>(end - digits.data()));
-  for (size_t i = text.size(); i < width; ++i) line.put('0');
-  line.put(text);
+  const auto text = [&digits](uint64_t value, int base) {
+    char* const begin = digits.data();
+    const char* const end = std::to_chars(begin, begin + digits.size(), value, base).ptr;
+    return std::string_view(begin, static_cast<size_t>(end - begin));
+  };
+  append_cell(text(number, 10));
+  line.put("0x");
+  const std::string_view offset = text(row.offset, 16);
+  for (size_t i = offset.size(); i < 8; ++i) line.put('0');
+  append_cell(offset);
 }
 
-void row_writer::append_time_pair(const zk::time& t, std::string_view label) {
+void row_writer::append_other_cells(const record_table& table, const cache_row& row) {
+  const std::string_view directory = table.directory_of(row);
+  const size_t texts = row.texts_size() + directory.size() + table.source.size();
+  const size_t most = texts + most_in_numbers + cells_behind_times * opts.csv_separator.size();
+  line.put(most, [&](char* begin) {
+    cell_cursor cells(begin, opts.csv_separator);
+    for (int shift = 0; shift < 32; shift += 8) {
+      *cells.at++ = static_cast<char>(row.signature >> shift);
+    }
+    cells.end_cell();
+    cells.put(row.url());
+    cells.end_cell();
+    if (opts.verbose) {
+      cells.put(row.user());
+      cells.end_cell();
+      cells.put(row.filename());
+      cells.end_cell();
+      cells.put_number(row.file_size);
+      cells.end_cell();
+      cells.put(directory);
+      cells.end_cell();
+      cells.put_number(row.count);
+      cells.end_cell();
+      cells.put(row.http_header());
+      cells.end_cell();
+    } else {
+      for (int i = 0; i < verbose_cells; ++i) cells.end_cell();
+    }
+    cells.put(table.source);
+    return cells.at;
+  });
+}
+
+void row_writer::append_time_pair(const zk::time& t, bool is_local) {
   if (!t.valid) {
-    end_cell();
-    end_cell();
-    return;
+    append_cell({});
+    append_cell({});
+  } else if (dates) {
+    append_locale_pair(t, is_local);
+  } else {
+    line.put(longest_pair + 2 * opts.csv_separator.size(), [&](char* begin) {
+      cell_cursor cells(begin, opts.csv_separator);
+      cells.at = masks.put_date(cells.at, t.fields);
+      cells.end_cell();
+      const char* const time_begin = cells.at;
+      cells.at = masks.put_time(cells.at, t.fields);
+      if (cells.at != time_begin) cells.put(is_local ? local_label : utc_label);
+      cells.end_cell();
+      return cells.at;
+    });
   }
+}
+
+void row_writer::append_locale_pair(const zk::time& t, bool is_local) {
   std::string date;
   std::string time;
-  if (dates) {
-    zk::format_default(date, time, t, true, false, &*dates, false);
-    append_cell(date);
-  } else {
-    line.put(zk::longest_date, [&](char* at) { return masks.put_date(at, t.fields); });
-    end_cell();
-  }
-  const size_t time_begin = line.size();
-  if (dates) {
-    line.put(time);
-  } else {
-    line.put(zk::longest_time, [&](char* at) { return masks.put_time(at, t.fields); });
-  }
-  if (line.size() != time_begin) line.put(label);
-  end_cell();
+  zk::format_default(date, time, t, true, false, &*dates, false);
+  append_cell(date);
+  line.put(time);
+  append_cell(is_local ? local_label : utc_label);
 }
 
-void row_writer::append_filetime_pair(uint64_t filetime, std::string_view label) {
+void row_writer::append_filetime_pair(uint64_t filetime, bool is_local) {
   loaded.set_value(filetime, zk::type_time::filetime);
-  append_time_pair(loaded, label);
+  append_time_pair(loaded, is_local);
 }
 
 void row_writer::append_dos_pair(uint32_t pair) {
   loaded.set_dos({static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)}, true);
-  append_time_pair(loaded, utc_label);
+  append_time_pair(loaded, false);
 }
 
 void row_writer::append_access_pair(const cache_row& row) {
   if (row.access == 0 && row.is_leak()) {
     append_dos_pair(row.leak_access);
   } else {
-    append_filetime_pair(row.access, utc_label);
+    append_filetime_pair(row.access, false);
   }
 }
 
 void row_writer::end_line() {
   line.put('\n');
-  out.write(line.text().data(), static_cast<std::streamsize>(line.size()));
-  out.flush();
+  // What `write` and `flush` do, with the stream's state looked at once for both.
+  const std::ostream::sentry usable(out);
+  if (!usable) return;
+  std::streambuf& buffer = *out.rdbuf();
+  const auto size = static_cast<std::streamsize>(line.size());
+  if (buffer.sputn(line.text().data(), size) != size || buffer.pubsync() == -1) {
+    out.setstate(std::ios::badbit);
+  }
 }

@@ -28,11 +28,12 @@ class row_writer {
   void write_row(const record_table& table, const cache_row& row, uint64_t number);
 
  private:
-  void end_cell();
   void append_cell(std::string_view text);
-  void append_number(uint64_t value, int base = 10, size_t width = 1);
-  void append_time_pair(const zk::time& t, std::string_view label);
-  void append_filetime_pair(uint64_t filetime, std::string_view label);
+  void append_carve_cells(const cache_row& row, uint64_t number);
+  void append_other_cells(const record_table& table, const cache_row& row);
+  void append_time_pair(const zk::time& t, bool is_local);
+  void append_locale_pair(const zk::time& t, bool is_local);
+  void append_filetime_pair(uint64_t filetime, bool is_local);
   void append_dos_pair(uint32_t pair);
   void append_access_pair(const cache_row& row);
   void end_line();

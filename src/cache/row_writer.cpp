@@ -44,6 +44,10 @@ class cell_cursor {
   const std::string_view separator;
 };
 
+zk::dos_pair dos_words(uint32_t pair) {
+  return {static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)};
+}
+
 }  // namespace
 
 row_writer::row_writer(std::ostream& stream, const cmd_opts& options)
@@ -64,12 +68,29 @@ void row_writer::write_header_line() {
 void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
   line.clear();
   if (opts.carve_columns) append_carve_cells(row, number);
-  append_filetime_pair(row.last_mod, row.local_time);
-  append_access_pair(row);
-  append_dos_pair(row.expires);
-  append_dos_pair(row.last_sync);
+  const auto times = times_of(row);
+  if (dates) {
+    append_locale_pairs(times);
+  } else {
+    append_masked_pairs(times);
+  }
   append_other_cells(table, row);
   end_line();
+}
+
+std::array<row_writer::shown_time, 4> row_writer::times_of(const cache_row& row) {
+  std::array<shown_time, 4> times;
+  const auto load = [](shown_time& t, auto value) { t.shown = zk::shown_fields(value, t.fields); };
+  load(times[0], row.last_mod);
+  times[0].is_local = row.local_time;
+  if (row.access == 0 && row.is_leak()) {
+    load(times[1], dos_words(row.leak_access));
+  } else {
+    load(times[1], row.access);
+  }
+  load(times[2], dos_words(row.expires));
+  load(times[3], dos_words(row.last_sync));
+  return times;
 }
 
 void row_writer::append_cell(std::string_view text) {
@@ -124,50 +145,33 @@ void row_writer::append_other_cells(const record_table& table, const cache_row& 
   });
 }
 
-void row_writer::append_time_pair(const zk::time& t, bool is_local) {
-  if (!t.valid) {
-    append_cell({});
-    append_cell({});
-  } else if (dates) {
-    append_locale_pair(t, is_local);
-  } else {
-    line.put(longest_pair + 2 * opts.csv_separator.size(), [&](char* begin) {
-      cell_cursor cells(begin, opts.csv_separator);
-      cells.at = masks.put_date(cells.at, t.fields);
+void row_writer::append_masked_pairs(const std::array<shown_time, 4>& times) {
+  const size_t most = times.size() * (longest_pair + 2 * opts.csv_separator.size());
+  line.put(most, [&](char* begin) {
+    cell_cursor cells(begin, opts.csv_separator);
+    for (const shown_time& t : times) {
+      if (t.shown) cells.at = masks.put_date(cells.at, t.fields);
       cells.end_cell();
       const char* const time_begin = cells.at;
-      cells.at = masks.put_time(cells.at, t.fields);
-      if (cells.at != time_begin) cells.put(is_local ? local_label : utc_label);
+      if (t.shown) cells.at = masks.put_time(cells.at, t.fields);
+      if (cells.at != time_begin) cells.put(t.is_local ? local_label : utc_label);
       cells.end_cell();
-      return cells.at;
-    });
-  }
+    }
+    return cells.at;
+  });
 }
 
-void row_writer::append_locale_pair(const zk::time& t, bool is_local) {
-  std::string date;
-  std::string time;
-  zk::format_default(date, time, t, true, false, &*dates, false);
-  append_cell(date);
-  line.put(time);
-  append_cell(is_local ? local_label : utc_label);
-}
-
-void row_writer::append_filetime_pair(uint64_t filetime, bool is_local) {
-  loaded.set_value(filetime, zk::type_time::filetime);
-  append_time_pair(loaded, is_local);
-}
-
-void row_writer::append_dos_pair(uint32_t pair) {
-  loaded.set_dos({static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)}, true);
-  append_time_pair(loaded, false);
-}
-
-void row_writer::append_access_pair(const cache_row& row) {
-  if (row.access == 0 && row.is_leak()) {
-    append_dos_pair(row.leak_access);
-  } else {
-    append_filetime_pair(row.access, false);
+void row_writer::append_locale_pairs(const std::array<shown_time, 4>& times) {
+  for (const shown_time& t : times) {
+    zk::time value;
+    value.fields = t.fields;
+    value.valid = t.shown;
+    std::string date;
+    std::string time;
+    zk::format_default(date, time, value, true, false, &*dates, false);
+    append_cell(date);
+    line.put(time);
+    append_cell(!t.shown ? "" : t.is_local ? local_label : utc_label);
   }
 }
 

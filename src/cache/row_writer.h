@@ -3,6 +3,7 @@
 // that is fixed to the comma.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <ostream>
@@ -28,20 +29,24 @@ class row_writer {
   void write_row(const record_table& table, const cache_row& row, uint64_t number);
 
  private:
+  // A time as its two cells show it: both are empty if it isn't shown.
+  struct shown_time {
+    zk::_windows_systemtime fields;
+    bool shown = false;
+    bool is_local = false;
+  };
+  static std::array<shown_time, 4> times_of(const cache_row& row);
+
   void append_cell(std::string_view text);
   void append_carve_cells(const cache_row& row, uint64_t number);
   void append_other_cells(const record_table& table, const cache_row& row);
-  void append_time_pair(const zk::time& t, bool is_local);
-  void append_locale_pair(const zk::time& t, bool is_local);
-  void append_filetime_pair(uint64_t filetime, bool is_local);
-  void append_dos_pair(uint32_t pair);
-  void append_access_pair(const cache_row& row);
+  void append_masked_pairs(const std::array<shown_time, 4>& times);
+  void append_locale_pairs(const std::array<shown_time, 4>& times);
   void end_line();
 
   std::ostream& out;
   const cmd_opts& opts;
   const zk::masked_format masks;
   std::optional<zk::locale_dates> dates;  // with -locale
-  zk::time loaded;
   zk::text_line line;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <cstring>
 #include <ctime>
 #include <sstream>
 #include <stdexcept>
@@ -31,9 +32,9 @@ constexpr std::array<char, 200> make_two_digits() {
 }
 constexpr auto two_digits = make_two_digits();
 
-// The last two digits.
+// Two digits of a value below 100.
 char* put_two(char* at, uint32_t value) {
-  return std::copy_n(&two_digits[size_t{2} * (value % 100)], 2, at);
+  return std::copy_n(&two_digits[size_t{2} * value], 2, at);
 }
 
 template <class... Numbers>
@@ -65,21 +66,24 @@ std::optional<std::locale> make_locale(const std::string& name) {
 }  // namespace
 
 masked_format::masked_format(const std::string& date_mask, const std::string& time_mask) {
-  const size_t year_at = date_mask.find("yy");
-  const size_t month_at = date_mask.find("mm");
-  const size_t day_at = date_mask.find("dd");
-  const size_t month_name_at = date_mask.find("mmm");
-  has_date = !date_mask.empty();
-  complete = year_at != none && month_at != none && day_at != none;
-  month_name = month_name_at != none;
-  two_digit_year = year_at != none && date_mask.find("yyyy") == none;
-  day_first = month_at >= day_at;
-  year_first = year_at == 0;
+  const size_t year_found = date_mask.find("yy");
+  const size_t month_found = date_mask.find("mm");
+  const size_t day_found = date_mask.find("dd");
+  const size_t name_found = date_mask.find("mmm");
+  month_name = name_found != none;
+  two_digit_year = year_found != none && date_mask.find("yyyy") == none;
+  char separator = '/';
   for (const char candidate : {' ', '-', '/'}) {
     if (date_mask.find(candidate) != none) separator = candidate;
   }
-  comma = separator == ' ' && day_at > (month_name ? month_name_at : month_at) &&
-          date_mask.find(',', day_at) != none;
+  const bool comma = separator == ' ' && day_found > (month_name ? name_found : month_found) &&
+                     date_mask.find(',', day_found) != none;
+  const bool complete = year_found != none && month_found != none && day_found != none;
+  if (!complete) separator = '/';
+  if (!date_mask.empty()) {
+    lay_out_date(separator, complete && year_found == 0, complete && month_found >= day_found,
+                 complete && comma);
+  }
 
   hour_minute = time_mask.find("hh:mm") != none;
   second = time_mask.find("ss") != none;
@@ -90,41 +94,49 @@ masked_format::masked_format(const std::string& date_mask, const std::string& ti
   }
 }
 
-char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
-  if (!has_date) return at;
-  const auto put_year = [&] {
-    at = two_digit_year ? put_two(at, fields.year)
-                        : put_two(put_two(at, fields.year / 100U), fields.year);
+void masked_format::lay_out_date(char separator, bool year_first, bool day_first, bool comma) {
+  const auto place = [this](size_t width) {
+    date_size += width;
+    return date_size - width;
   };
-  const auto put_month = [&] {
-    if (month_name) {
-      const std::string_view name = month_abbreviation(fields.month);
-      at = std::copy(name.begin(), name.end(), at);
-    } else {
-      at = put_two(at, fields.month);
-    }
+  const auto put = [this](char c) { date_form[date_size++] = c; };
+  const auto place_year = [&] {
+    century_at = two_digit_year ? date_size : place(2);
+    year_at = place(2);
   };
+  if (year_first) {
+    place_year();
+    put(separator);
+  }
+  if (day_first) {
+    day_at = place(2);
+    put(separator);
+  }
+  month_at = place(month_name ? 3 : 2);
+  if (!day_first) {
+    put(separator);
+    day_at = place(2);
+    if (comma) put(',');
+  }
+  if (!year_first) {
+    put(separator);
+    place_year();
+  }
+}
 
-  const char between = complete ? separator : '/';
-  if (complete && year_first) {
-    put_year();
-    *at++ = between;
-  }
-  if (complete && day_first) {
-    at = put_two(at, fields.day);
-    *at++ = between;
-    put_month();
+char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
+  if (date_size == 0) return at;
+  std::memcpy(at, date_form.data(), date_form.size());
+  const uint32_t century = fields.year / 100U;
+  if (!two_digit_year) put_two(at + century_at, century);
+  put_two(at + year_at, fields.year - 100 * century);
+  if (month_name) {
+    month_abbreviation(fields.month).copy(at + month_at, 3);
   } else {
-    put_month();
-    *at++ = between;
-    at = put_two(at, fields.day);
-    if (complete && comma) *at++ = ',';
+    put_two(at + month_at, fields.month);
   }
-  if (!complete || !year_first) {
-    *at++ = between;
-    put_year();
-  }
-  return at;
+  put_two(at + day_at, fields.day);
+  return at + date_size;
 }
 
 char* masked_format::put_time(char* at, const _windows_systemtime& fields) const {
@@ -139,8 +151,13 @@ char* masked_format::put_time(char* at, const _windows_systemtime& fields) const
   }
   if (fraction_digits != 0) {
     *at++ = '.';
-    const auto nanoseconds = static_cast<uint32_t>(fields.nanosecond);
-    at = put_digits(at, nanoseconds / fraction_unit, fraction_digits);
+    const uint32_t tenths = fields.millisecond / 100U;
+    *at++ = static_cast<char>('0' + tenths);
+    at = put_two(at, fields.millisecond - 100 * tenths);
+    if (fraction_digits > 3) {
+      const auto rest = static_cast<uint32_t>(fields.nanosecond % 1000000);
+      at = put_digits(at, rest / fraction_unit, fraction_digits - 3);
+    }
   }
   return at;
 }

@@ -2,6 +2,7 @@
 // fields. No zone arithmetic is done. A time that isn't valid gives two empty texts.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <locale>
@@ -35,15 +36,17 @@ class masked_format {
   char* put_time(char* at, const _windows_systemtime& fields) const;
 
  private:
-  // Date.
-  bool has_date = false;
-  bool complete = false;  // all of year, month and day
+  void lay_out_date(char separator, bool year_first, bool day_first, bool comma);
+
+  // Date: its text without the digits, and the places of its parts.
+  std::array<char, longest_date> date_form = {};
+  size_t date_size = 0;
+  size_t century_at = 0;
+  size_t year_at = 0;  // its last two digits
+  size_t month_at = 0;
+  size_t day_at = 0;
   bool month_name = false;
   bool two_digit_year = false;
-  bool day_first = false;
-  bool year_first = false;
-  bool comma = false;
-  char separator = '/';
   // Time.
   bool hour_minute = false;
   bool second = false;

@@ -62,6 +62,35 @@ uint64_t unix_to_filetime(uint64_t seconds) {
   return seconds * ticks_per_second + unix_epoch_filetime;
 }
 
+void set_date(_windows_systemtime& fields, const calendar_date& date) {
+  fields.year = cut16(date.year);
+  fields.month = cut16(date.month);
+  fields.day = cut16(date.day);
+}
+
+// Sets what shown_fields gives, of a FILETIME whose top bit isn't set.
+void set_shown_fields(_windows_systemtime& fields, uint64_t ft) {
+  const uint64_t seconds = ft / ticks_per_second;
+  const auto fraction = static_cast<uint32_t>(ft % ticks_per_second);
+  const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
+  set_date(fields, date_of(static_cast<int32_t>(seconds / day_seconds)));
+  fields.hour = cut16(of_day / 3600);
+  fields.minute = cut16(of_day / 60 % 60);
+  fields.second = cut16(of_day % 60);
+  fields.millisecond = cut16(fraction / 10000);
+  fields.nanosecond = fraction * 100ULL;
+}
+
+// Whether the instant of these fields may be shown.
+bool is_shown(uint64_t ft, const _windows_systemtime& fields) {
+  const uint64_t since_1970 = ft - unix_epoch_filetime;
+  if (fields.year < first_valid_year || since_1970 < ticks_per_second) return false;
+  if (fields.year <= last_valid_year) return true;
+  // Past the last year only one that is not over by local time is left.
+  std::tm local;
+  return unix_to_local_tm(static_cast<int64_t>(since_1970 / ticks_per_second), local);
+}
+
 bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
   const uint16_t years = cut16(fields.year - 1980);
   if (years > 57) return false;
@@ -69,6 +98,26 @@ bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
   pair.date = cut16(years << 9 | (fields.month & 15) << 5 | (fields.day & 31));
   pair.time = cut16(fields.hour << 11 | (fields.minute & 63) << 5 | halved);
   return true;
+}
+
+// False if a part is out of its range. Any day from 1 to 31 is in it.
+bool dos_to_tm(dos_pair pair, std::tm& tm) {
+  tm.tm_mday = pair.date & 31;
+  tm.tm_mon = ((pair.date >> 5) & 15) - 1;
+  tm.tm_year = (pair.date >> 9) + 80;
+  tm.tm_sec = (pair.time & 31) * 2;
+  tm.tm_min = (pair.time >> 5) & 63;
+  tm.tm_hour = pair.time >> 11;
+  if (tm.tm_mday == 0 || tm.tm_mon < 0 || tm.tm_mon > 11) return false;
+  return tm.tm_sec <= 59 && tm.tm_min <= 59 && tm.tm_hour <= 23;
+}
+
+// The days from 1601-01-01 to a date, by the rule of tm_to_filetime.
+int64_t days_to(const std::tm& fields) {
+  const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
+  int64_t days = last_day_common[fields.tm_mon];
+  if (year > 0 && is_leap(year) && fields.tm_mon > 1) ++days;
+  return days + (year + 299) * 365 + leap_days_through(year + 1899) - 388 + fields.tm_mday;
 }
 
 int look_up_local_offset(std::time_t now) {
@@ -104,15 +153,7 @@ void time::set_now() {
 void time::set_dos(dos_pair pair, bool is_utc) {
   clear();
   std::tm tm = {};
-  tm.tm_mday = pair.date & 31;
-  tm.tm_mon = ((pair.date >> 5) & 15) - 1;
-  tm.tm_year = (pair.date >> 9) + 80;
-  tm.tm_sec = (pair.time & 31) * 2;
-  tm.tm_min = (pair.time >> 5) & 63;
-  tm.tm_hour = pair.time >> 11;
-  if (tm.tm_mday == 0 || tm.tm_mon < 0 || tm.tm_mon > 11) return;
-  if (tm.tm_sec > 59 || tm.tm_min > 59 || tm.tm_hour > 23) return;
-  set_tm(tm, 0, is_utc);
+  if (dos_to_tm(pair, tm)) set_tm(tm, 0, is_utc);
 }
 
 bool time::set_tm(std::tm tm, int milliseconds, bool is_utc) {
@@ -137,11 +178,7 @@ bool time::derive_from_filetime(uint64_t ft) {
   filetime_to_systemtime(ft, fields);
   filetime_copy = ft;
   fields_to_dos(fields, dos_stamp);
-
-  // Past the last year only one that is not over by local time is left.
-  std::tm local;
-  if (fields.year > last_valid_year && !local_tm(local)) return false;
-  valid = fields.year >= first_valid_year;
+  valid = is_shown(ft, fields);
   return valid;
 }
 
@@ -154,22 +191,33 @@ bool filetime_to_unix(uint64_t ft, uint64_t& seconds) {
 bool filetime_to_systemtime(uint64_t ft, _windows_systemtime& fields) {
   fields = {};
   if (top_bit_set(ft)) return false;
-  const uint64_t seconds = ft / ticks_per_second;
-  const auto fraction = static_cast<uint32_t>(ft % ticks_per_second);
-  const auto days = static_cast<int32_t>(seconds / day_seconds);
-  const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
-  const calendar_date date = date_of(days);
-  fields.year = cut16(date.year);
-  fields.month = cut16(date.month);
-  fields.day_of_week = cut16((days + 1) % 7);
-  fields.day = cut16(date.day);
-  fields.hour = cut16(of_day / 3600);
-  fields.minute = cut16(of_day / 60 % 60);
-  fields.second = cut16(of_day % 60);
-  fields.millisecond = cut16(fraction / 10000);
-  fields.microsecond = fraction / 10;
-  fields.nanosecond = fraction * 100ULL;
-  fields.picosecond = fraction * 100000ULL;
+  set_shown_fields(fields, ft);
+  fields.day_of_week = cut16(static_cast<int64_t>(ft / ticks_per_second / day_seconds + 1) % 7);
+  fields.microsecond = fields.nanosecond / 1000;
+  fields.picosecond = fields.nanosecond * 1000;
+  return true;
+}
+
+bool shown_fields(uint64_t ft, _windows_systemtime& fields) {
+  if (top_bit_set(ft)) return false;
+  set_shown_fields(fields, ft);
+  return is_shown(ft, fields);
+}
+
+bool shown_fields(dos_pair pair, _windows_systemtime& fields) {
+  std::tm tm;
+  if (!dos_to_tm(pair, tm)) return false;
+  if (tm.tm_mday <= 28 && tm.tm_year != 100) {
+    // In every month, and not in the year 2000: the date is what its days would give.
+    set_date(fields, {tm.tm_year + 1900, tm.tm_mon + 1, 0, tm.tm_mday});
+  } else {
+    set_date(fields, date_of(static_cast<int32_t>(days_to(tm))));
+  }
+  fields.hour = cut16(tm.tm_hour);
+  fields.minute = cut16(tm.tm_min);
+  fields.second = cut16(tm.tm_sec);
+  fields.millisecond = 0;
+  fields.nanosecond = 0;
   return true;
 }
 
@@ -186,12 +234,8 @@ uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
     fields.tm_year = static_cast<int>(fields.tm_year + whole_years);
     fields.tm_mon = month;
   }
-  const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
-  int64_t days = last_day_common[fields.tm_mon];
-  if (year > 0 && is_leap(year) && fields.tm_mon > 1) ++days;
-  days += (year + 299) * 365 + leap_days_through(year + 1899) - 388 + fields.tm_mday;
   // Hostile fields wrap here as unsigned numbers do.
-  auto ticks = static_cast<uint64_t>(days);
+  auto ticks = static_cast<uint64_t>(days_to(fields));
   ticks = ticks * 24 + static_cast<uint64_t>(fields.tm_hour);
   ticks = ticks * 60 + static_cast<uint64_t>(fields.tm_min);
   ticks = ticks * 60 + static_cast<uint64_t>(fields.tm_sec);

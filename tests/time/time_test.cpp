@@ -140,6 +140,35 @@ TEST(Time, SystemtimeAndBack) {
   EXPECT_EQ(back, given);
 }
 
+// The fields that rows print are those of a loaded time.
+TEST(Time, ShownFields) {
+  const auto check = [](const zk::time& t, auto value) {
+    zk::_windows_systemtime f = {};
+    ASSERT_EQ(zk::shown_fields(value, f), t.valid);
+    f.day_of_week = t.fields.day_of_week;
+    if (t.valid) {
+      ASSERT_EQ(joined(shown(f), f.millisecond, f.nanosecond),
+                joined(shown(t.fields), t.fields.millisecond, t.fields.nanosecond));
+    }
+  };
+  for (uint32_t word = 0; word < 0x10000; ++word) {
+    const auto each = static_cast<uint16_t>(word);
+    for (const zk::dos_pair pair : {zk::dos_pair{each, 0x6789}, zk::dos_pair{0x5AFF, each}}) {
+      zk::time t;
+      t.set_dos(pair, true);
+      check(t, pair);
+    }
+  }
+  for (int year : {1601, 1899, 1900, 1970, 1999, 2000, 3000, 3001, 3100}) {
+    const uint64_t begin = filetime_of(year, 1, 1);
+    for (const uint64_t ticks : {begin - 1, begin, begin + second - 1, begin + second}) {
+      check(loaded(ticks), ticks);
+    }
+  }
+  check(loaded(~0ULL / 2), ~0ULL / 2);
+  check(loaded(~0ULL), ~0ULL);
+}
+
 TEST(Time, NowAndNtpStamps) {
   const auto stamp = [](uint64_t ticks) {
     return zk::filetime_to_ntp64(zk::ntp_epoch_filetime + ticks);

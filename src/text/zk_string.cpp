@@ -48,8 +48,19 @@ std::vector<std::basic_string<Char>> split_pieces(std::basic_string_view<Char> t
 
 }  // namespace
 
+std::string_view trimmed(std::string_view text) {
+  const auto stays = [](char c) { return c != ' ' && c != '\t' && c != '\r' && c != '\n'; };
+  while (!text.empty() && !stays(text.back())) text.remove_suffix(1);
+  while (!text.empty() && !stays(text.front())) text.remove_prefix(1);
+  return text;
+}
+
 bool trim(std::string& text) {
-  return trim_set(text, " \t\r\n");
+  const std::string_view rest = trimmed(text);
+  const auto begin = static_cast<size_t>(rest.data() - text.data());
+  text.erase(begin + rest.size());
+  if (begin != 0) text.erase(0, begin);
+  return !text.empty();
 }
 
 bool trim_wide(std::wstring& text) {
@@ -104,16 +115,16 @@ bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, boo
                     uint8_t replacement) {
   out.clear();
   if (!bytes || length == 0) return false;
-  const auto unwanted = [&](char c) {
-    const bool line_end = keep_line_ends && (c == '\r' || c == '\n');
-    return (c < 0x20 || c > 0x7E) && !line_end;
-  };
-  const std::string_view text = bounded_string(bytes, bytes + length);
-  out.assign(text);
+  out.append(bounded_string(bytes, bytes + length));
+  const auto kept = [](char c) { return c >= 0x20 && c <= 0x7E; };
+  const auto kept_or_line_end = [=](char c) { return kept(c) || c == '\r' || c == '\n'; };
+  const auto with = static_cast<char>(replacement);
   if (replacement == 0) {
-    std::erase_if(out, unwanted);
+    std::erase_if(out, [=](char c) { return keep_line_ends ? !kept_or_line_end(c) : !kept(c); });
+  } else if (keep_line_ends) {
+    replace_chars(out, [=](char c) { return kept_or_line_end(c) ? c : with; });
   } else {
-    for (char& c : out) c = unwanted(c) ? static_cast<char>(replacement) : c;
+    replace_chars(out, [=](char c) { return kept(c) ? c : with; });
   }
   return true;
 }

@@ -12,7 +12,10 @@
 
 namespace zk {
 
-// Removes blanks, tabs, CR and LF from both ends. False if the text was empty or is now.
+// The text without the blanks, tabs, CR and LF at both ends.
+std::string_view trimmed(std::string_view text);
+
+// Removes the same from a string. False if it was empty or is now.
 bool trim(std::string& text);
 
 // Removes, in this order and each once: blanks at both ends, tabs at both ends, every CR at the
@@ -48,6 +51,28 @@ bool equal_ignore_case(std::string& a, std::string& b);
 // dropped if that is 0. False if `bytes` is null or `length` 0.
 bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, bool keep_line_ends,
                     uint8_t replacement);
+
+// Overwrites each character with what `map` gives for it. To map a character twice must do no harm:
+// whole blocks are mapped at once, and the last overlaps the one before it.
+template <class Map>
+void replace_chars(std::string& text, Map map) {
+  char* const begin = text.data();
+  const size_t size = text.size();
+  const auto in_blocks_of = [=]<size_t block>() {
+    const auto map_block = [map](char* at) {
+      for (size_t i = 0; i < block; ++i) at[i] = map(at[i]);
+    };
+    for (size_t at = 0; at + block < size; at += block) map_block(begin + at);
+    map_block(begin + (size - block));
+  };
+  if (size >= 16) {
+    in_blocks_of.template operator()<16>();
+  } else if (size >= 8) {
+    in_blocks_of.template operator()<8>();
+  } else {
+    for (char& c : text) c = map(c);
+  }
+}
 
 // Overwrites each `from` with `to`; with `ignore_case` both cases of `from`.
 void replace_char(std::string& text, char from, char to, bool ignore_case = false);

@@ -105,4 +105,13 @@ TEST(Text, WhatTablesCannotSay) {
   EXPECT_EQ(zk::shadow_copy_prefix(true, false), "\\device\\harddiskvolumeshadowcopy");
 }
 
+// Blocks of characters are replaced at once, and the last may overlap: none is left out.
+TEST(Text, ReplaceCharsOfAnyLength) {
+  for (size_t size = 0; size < 70; ++size) {
+    string text(size, 'a');
+    zk::replace_chars(text, [](char c) { return c == 'a' ? 'b' : c; });
+    EXPECT_EQ(text, string(size, 'b'));
+  }
+}
+
 }  // namespace

@@ -15,10 +15,10 @@ namespace {
 constexpr uint32_t file_block_size = 32768;
 constexpr uint32_t block_overlap = 4096;
 constexpr uint32_t raw_read_size = 65536;
-// Where a header says that a disk is larger, no more of it is searched: it would take for ever.
+// A header can claim any size, and to search it would take for ever: no more than this is searched.
 constexpr int64_t largest_disk = 1LL << 46;
-// Progress is shown at a block whose position in bytes is a multiple of this: with the usual steps
-// at every 99th block of a file and every 33rd of a disk.
+// Progress is shown at each block whose position in bytes is a multiple of this. That is every 99th
+// block of a file and every 33rd of a disk, if no read was short or failed.
 constexpr uint64_t progress_every = 99;
 
 void show_percent(uint64_t position, int64_t size) {
@@ -52,7 +52,8 @@ bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& 
       buffer_is_old = true;
       position -= overlap;
     } else {
-      // What a short read leaves in the buffer is searched: it must be what the block before held.
+      // A short read leaves the rest of the buffer as it was, and that is searched too. Behind a
+      // hole, which wasn't read, it must be zeros.
       if (buffer_is_old) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
       buffer_is_old = false;
       if (disk.read(buffer.data(), count, position)) {

@@ -1,6 +1,6 @@
 // The index.dat container: its header, its table of cache directories, its HASH blocks, and its
-// kind as its path tells it. Records are found without any of this; a run takes the
-// directory names and the kind from here.
+// kind as its path tells it. Records are found without any of this; a run takes only the directory
+// names and the kind from here.
 //
 //   0x00 15  "Client UrlCache"
 //   0x20  4  offset of the first HASH block, 0 for none

@@ -23,7 +23,7 @@ struct record_table {
   // pointer is good until the next row is added.
   cache_row* add(uint64_t offset);
 
-  // Copies a new row's texts into the table's memory.
+  // Copies a row's texts into the table's memory: of a new row, and of one that moves on.
   void keep_texts(cache_row& row, std::string_view url, std::string_view user = {},
                   std::string_view filename = {}, std::string_view http_header = {});
 
@@ -44,8 +44,8 @@ struct record_table {
   redr_record decoded_redr;
 
  private:
-  // Texts of rows that leave together go together: those of the few rows that stay move to the
-  // other arena, and all of this one is free again. The first texts need no memory of their own.
+  // When rows leave, the texts of the few that stay are copied to the other arena, and this one is
+  // emptied at once. Its first texts stand in `first`, so that a small input takes no more memory.
   struct text_arena {
     std::array<char, 8192> first;
     std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};

@@ -20,7 +20,7 @@ void cmdline_ctx::configure(const cmd_opts& opts, text_hook hook) {
 cmdline_ctx::~cmdline_ctx() {
   if (wipe_progress) uni::clear_progress_line();
   if (start_clock != 0) {
-    // Nothing here may throw, and so nothing takes memory that way.
+    // A destructor may not throw, so nothing here takes memory that could fail with an exception.
     std::array<char, 64> text;
     std::snprintf(text.data(), text.size(), "->%g secs",
                   zk::ntp64_diff_seconds(zk::ntp64_now(), start_clock));

@@ -1,4 +1,4 @@
-// The run's last object to act: when it goes, it wipes the progress line and reports the elapsed
+// The last step of a run: when this object goes, it wipes the progress line and reports the elapsed
 // time where that was asked for.
 #pragma once
 

@@ -153,7 +153,7 @@ int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
 }
 
 int run_steps(int argc, const char* const* argv) {
-  // Their order is that of teardown, backwards: the context is the last to act.
+  // They go in reverse order, so that the context is the last to act.
   argument_list args = make_argument_list(argc, argv);
   cmdline_ctx context;
   cmd_opts opts;

@@ -1,4 +1,4 @@
-// The program's order of events.
+// Where every run begins: the steps of a run, in their order.
 #pragma once
 
 // The statuses that a run can end with. A shell sees `run_failed` as 255.

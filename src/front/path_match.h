@@ -1,4 +1,5 @@
-// Whether a path of a list is taken: its name, its folder, its first bytes and its file's time.
+// Whether a path of a list or a walk is taken, by its name, its folder, bytes of its file and the
+// file's time.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +8,7 @@
 #include "front/filter_text.h"
 #include "front/opts/cmd_params.h"
 
-// A file's modification time, asked for once a path at the most.
+// A file's modification time. The system is asked at most once for each path.
 struct file_stat {
   uint64_t mod_time = 0;     // seconds since 1970; 0 until loaded
   uint64_t second_time = 0;  // none here

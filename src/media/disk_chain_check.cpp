@@ -17,7 +17,7 @@ constexpr const char* no_parent_text =
     "Child VMDK points to a parent VMDK that doesn't exist, aborting\n";
 
 enum class verdict {
-  joined,   // every extent has its parent, or all ahead of one whose hint is in the list
+  joined,   // each extent has its parent, up to one whose parent is listed under another key
   extend,   // a parent was found and added to the list
   missing,  // a parent is nowhere
   refused,  // the check ends
@@ -83,7 +83,7 @@ class chain_check {
     return verdict::joined;
   }
 
-  // Forgives a parent whose key has changed where its file is listed.
+  // Whether the parent's file is listed. Then it doesn't matter that its key has changed.
   bool hint_is_listed(const VMDK_EXTENT& extent) const {
     std::wstring hint = zk::utf8_to_wide(extent.m_parent_hint);
     zk::remove_char_wide(hint, L'"');

@@ -20,9 +20,9 @@ using block_callback = std::function<void(const file_block&)>;
 
 // Hands the bytes of `file` from `start` on to `callback`, in blocks of `block_size` bytes of which
 // each begins `overlap` bytes before its predecessor's end. A file of less than one block comes
-// whole, without overlap; of any other the last block holds at least the overlap, unless a read
-// was short, and all of it may have come before. A failed read ends the scan silently; a short one
-// lowers the size of all later blocks. Blocks in a hole of the file aren't read. False only if the
-// file isn't open. Throws std::bad_alloc if there isn't the memory.
+// whole, without overlap. Of any other, the last block holds at least the overlap, and maybe
+// nothing else. A failed read ends the scan silently. A short one lowers the size of all later
+// blocks, of which the last may then be smaller than the overlap. Blocks in a hole of the file
+// aren't read. False only if the file isn't open. Throws std::bad_alloc if there isn't the memory.
 bool scan_file_blocks(const uni::fileio& file, const block_callback& callback, uint32_t block_size,
                       uint32_t overlap, uint64_t start);

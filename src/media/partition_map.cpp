@@ -92,7 +92,7 @@ struct mapping {
     const std::optional<uint32_t> link = add_table(record, first);
     if (!link) return;
     uint64_t next = first + *link;
-    // A list can't have more tables than there is room for; one that has goes in circles.
+    // A list with more tables than the bytes can hold goes in circles.
     for (uint64_t left = length / mbr_layout::size; left > 0 && next < length; --left) {
       record = record_at(next);
       if (!record) return;

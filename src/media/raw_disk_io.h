@@ -28,7 +28,8 @@ class RAW_DISK_IO {
   // Reads `count` bytes from `offset`. A plain source clamps `count` to its end, and no further:
   // after a short read the rest of `out` is what it was. A VMware disk leaves `count` full: past
   // its end it brings what its extents still hold there, and zeros. False for a null `out`, a
-  // source that isn't open, a count of 0, an offset at or past the end, and a read that fails.
+  // source that isn't open, a count of 0, an offset at or past the end, and a read that fails,
+  // which may have clamped `count`.
   [[nodiscard]] bool read(uint8_t* out, uint32_t& count, int64_t offset) const;
 
   // Whether the bytes from `offset` on are a hole: of a plain source where its file system tells,

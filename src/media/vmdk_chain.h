@@ -14,7 +14,7 @@
 // The parent key of an extent without a parent, in this spelling alone.
 inline constexpr const char* no_parent_cid = "ffffffff";
 
-// How many bytes of a disk are looked over at once for what no extent holds.
+// How many bytes of a disk are searched at once for a place that an extent holds.
 inline constexpr uint64_t longest_stretch = 1ULL << 30;
 
 class VMDK_CHAIN {
@@ -38,8 +38,8 @@ class VMDK_CHAIN {
   // The newest extent that holds the place; null if none does.
   const VMDK_EXTENT* find_owner(uint64_t offset) const;
 
-  // Whether no extent holds anything from a place on the disk on, so that it reads as zeros, and up
-  // to which place, at most `longest_stretch` bytes on.
+  // The stretch from a place on the disk on: zeros as far as no extent holds anything, but at most
+  // `longest_stretch` bytes.
   uni::stretch stretch_at(uint64_t offset) const;
 
   // Joins an extent to its parent, if that is in the map. False if it isn't.

@@ -144,7 +144,8 @@ bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
   for (const uint32_t sector : directory) {
     const uint64_t at = sectors_to_bytes32(sector);
     if (at + table_bytes > m_metadata_size) {
-      // The tables read so far stand; a short read instead leaves what was read before it.
+      // Where the read fails, the tables read so far are all. After a short one the rest of
+      // `scratch` is what an earlier one left there.
       if (::pread(m_fd, scratch.data(), table_bytes, static_cast<off_t>(at)) == -1) break;
       add_table(scratch.data());
       continue;

@@ -30,13 +30,13 @@ class VMDK_EXTENT {
   // The bytes from a place on the virtual disk to the end of its grain, in 32 bits.
   uint32_t bytes_to_grain_end(uint64_t offset) const;
 
-  // How many bytes from a place on the virtual disk that it doesn't hold it certainly doesn't hold
-  // either, at least 1.
+  // For a place on the virtual disk that this extent doesn't hold: how many bytes from there on it
+  // is certain not to hold, at least 1.
   uint64_t bytes_not_held(uint64_t offset) const;
 
   // Reads `count` bytes of the virtual disk from the grains that this extent holds. A grain that
   // the file's end cuts short is filled with zeros, or lowers `count`. False if nothing usable
-  // came.
+  // came; `count` and `out` may be changed then.
   [[nodiscard]] bool read_extent(int fd, uint8_t* out, uint64_t offset, uint32_t& count) const;
 
   // The size of the virtual disk in bytes, by this extent's header.

@@ -1,17 +1,18 @@
 // Messages and progress on standard error. Both share one terminal line: a progress line is
-// written over itself, and a message wipes it first. Nothing remembers whether a line stands
-// there. All is flushed at once; failed writes are ignored.
+// written over itself, and a message wipes the line first, whether or not anything stands there.
+// All is flushed at once; failed writes are ignored.
 #pragma once
 
 #include <cstdarg>
 
 namespace uni {
 
-// Opens /dev/null in place of each standard stream that is closed. A file opened later would take
-// its number, and with it the messages, or the rows, that aren't meant for it.
+// Opens /dev/null in place of each standard stream that is closed. Else a file opened later would
+// take its number, and get the messages or the rows that were meant for the stream.
 void fill_standard_streams();
 
-// Wipes the line: on a terminal by the erase sequence, elsewhere roughly, by blanks.
+// Wipes the line, on a terminal by the erase sequence, elsewhere roughly, by blanks. Both are
+// always written.
 void clear_line();
 
 // The same where progress has ended.

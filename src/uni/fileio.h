@@ -63,15 +63,15 @@ class fileio {
   // Whether the bytes from `offset` on are a hole of the file, where its file system tells.
   stretch stretch_at(uint64_t offset) const;
 
-  // Whether both are the same file by device and number, so that what one writes stands among what
-  // the other does. Never true of the null device, where nothing stands.
+  // Whether both are the same file, so that what is written to one is mixed with what is written to
+  // the other. Never true of the null device.
   bool shares_file_with(int other_fd) const;
 
   // Reads at most `count` bytes from `offset` with one system read, and sets `count` to what came,
   // which may be less. False where nothing is open or `offset` is at or past the size, with `count`
   // as it was, and where the read fails, with `count` all ones.
   [[nodiscard]] bool read_at(void* buffer, uint32_t& count, int64_t offset) const;
-  // The same for a 64-bit count, which must fit 32 bits. A failed read sets `count` to 0.
+  // The same for a 64-bit count, which must fit 32 bits. Where it does, false sets it to 0.
   [[nodiscard]] bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
 
   // Reads `count` bytes from `offset`, or as many as the file has, into `out`, which takes that

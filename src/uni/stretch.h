@@ -11,8 +11,8 @@ struct stretch {
   bool zeros;  // nothing is stored there; false also where that isn't known
 };
 
-// Serves a reader that goes forward: the source, which is borrowed, is asked once for each stretch.
-// It has a member `stretch stretch_at(uint64_t offset) const`.
+// For a reader that goes forward. The source, which is borrowed and has a member
+// `stretch stretch_at(uint64_t offset) const`, is asked once for each stretch.
 template <class Source>
 class stretch_finder {
  public:

@@ -40,7 +40,7 @@ struct cmd_params {
   bool username_set = false;             // stored
   bool hostname_set = false;             // stored
   bool split_pathfile = false;           // stored
-  bool quoted_csv_fields = false;        // asked by set_separator alone
+  bool quoted_csv_fields = false;        // read by set_separator alone
   std::vector<std::wstring> vmdk_paths;  // the disk's files, in the order given
   uint64_t vmdk_offset = 0;              // stored
   bool gzip_out = false;                 // stored, and so are the next four
@@ -63,7 +63,7 @@ struct cmd_params {
   bool mode_multiline = false;
   bool verbose = true;         // rows have their cells from user to HTTP header filled
   bool show_progress = true;   // progress lines of a large file, and the wipes behind them
-  bool pair_datetime = false;  // asked by -csv and format_masks alone
+  bool pair_datetime = false;  // read by -csv and format_masks alone
   bool pipe_ungated = false;   // the gate isn't asked for -pipe
   bool header_pending = true;  // the header line is still to be written
   bool diag_on = false;

@@ -1,4 +1,5 @@
-// One stream of paths, whether they come from standard input or from a walk through folders.
+// The paths of a run over many files, one by one, whether they come from standard input or from a
+// walk through folders.
 #pragma once
 
 #include <cstdint>

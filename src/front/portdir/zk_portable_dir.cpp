@@ -44,14 +44,14 @@ bool fits(const _DIR_NODE_STL& node, const name_parts& pattern) {
          part_fits(pattern.name, parts.name);
 }
 
-// Tells a folder's entries apart. One that the system doesn't answer for counts as what the one
-// before it was, and as a file if it is the first.
+// Tells folders from files. An entry of unknown type counts as the one before it did, the first
+// one as a file.
 class entry_types {
  public:
   entry_types(DIR* stream, const std::string& folder)
       : descriptor(::dirfd(stream)), by_path(folder.back() != '/') {
-    // In a folder that may be read but not searched no entry can be asked about. The types that its
-    // listing tells must not count then.
+    // In a folder that may be read but not searched, no entry can be asked about, and then the
+    // types that the listing tells must not count either.
     struct stat facts;
     listing_tells = !by_path && ::fstatat(descriptor, ".", &facts, 0) == 0;
   }
@@ -74,7 +74,7 @@ class entry_types {
   }
 
   int descriptor;
-  bool by_path;  // asks about the joined path: it lies elsewhere if the folder was cut at a star
+  bool by_path;  // asks about the joined path, which isn't in the folder if that was cut at a star
   bool listing_tells;
   bool last_is_dir = false;
 };

@@ -19,10 +19,10 @@ struct _DIR_NODE_STL {
 // Gets each entry of a listing in turn; the entry is used again for the next.
 using node_sink = std::function<void(const _DIR_NODE_STL&)>;
 
-// Lists `folder`, which must end in its separator, in the system's order, and has closed it when
-// the first entry comes. "." and ".." are left out, and all but folders if `dirs_only` is set;
-// links aren't followed. Subfolders get the separator, a slash or a backslash. False if there are
-// no entries or the folder can't be read.
+// Lists `folder`, which must end in its separator, in the system's order. The folder is read to its
+// end and closed before `take` gets the first entry. "." and ".." are left out, and all but folders
+// if `dirs_only` is set; links aren't followed. Subfolders get the separator, a slash or a
+// backslash. False if there are no entries or the folder can't be read.
 bool read_folder(const std::string& folder, bool dirs_only, bool slash, const node_sink& take);
 
 // Replaces each path with a folder "*" in it by one path for each real folder in that place; a path

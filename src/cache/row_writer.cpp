@@ -51,9 +51,7 @@ zk::dos_pair dos_words(uint32_t pair) {
 }  // namespace
 
 row_writer::row_writer(std::ostream& stream, const cmd_opts& options)
-    : out(stream), opts(options), masks(options.date_format, options.time_format) {
-  if (opts.use_locale) dates.emplace();
-}
+    : out(stream), opts(options), masks(options.date_format, options.time_format) {}
 
 void row_writer::write_header_line() {
   line.clear();
@@ -69,7 +67,7 @@ void row_writer::write_row(const record_table& table, const cache_row& row, uint
   line.clear();
   if (opts.carve_columns) append_carve_cells(row, number);
   const auto times = times_of(row);
-  if (dates) {
+  if (opts.dates) {
     append_locale_pairs(times);
   } else {
     append_masked_pairs(times);
@@ -168,7 +166,7 @@ void row_writer::append_locale_pairs(const std::array<shown_time, 4>& times) {
     value.valid = t.shown;
     std::string date;
     std::string time;
-    zk::format_default(date, time, value, true, false, &*dates, false);
+    zk::format_default(date, time, value, true, false, &*opts.dates, false);
     append_cell(date);
     line.put(time);
     append_cell(!t.shown ? "" : t.is_local ? local_label : utc_label);

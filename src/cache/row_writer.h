@@ -5,7 +5,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <ostream>
 #include <string_view>
 
@@ -47,6 +46,5 @@ class row_writer {
   std::ostream& out;
   const cmd_opts& opts;
   const zk::masked_format masks;
-  std::optional<zk::locale_dates> dates;  // with -locale
   zk::text_line line;
 };

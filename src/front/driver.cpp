@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <iostream>
-#include <locale>
 #include <new>
 #include <ostream>
 #include <string>
@@ -22,7 +21,6 @@
 #include "media/disk_chain_check.h"
 #include "text/path_text.h"
 #include "text/zk_wide.h"
-#include "time/time_format.h"
 #include "time/zk_time.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
@@ -72,13 +70,10 @@ int show_help(const argument_list& args) {
 }
 
 void take_locale(argument_list& args, cmd_opts& opts) {
-  opts.use_locale = take_flag("-locale", args);
   opts.any_signature = true;
-  if (!opts.use_locale) return;
-  std::string name;
-  const bool found = zk::find_user_locale(name);
-  const std::string shown =
-      found ? "date format: " + std::locale(name).name() : "en_US date format";
+  if (!take_flag("-locale", args)) return;
+  const std::string name = opts.dates.emplace().locale_name();
+  const std::string shown = name.empty() ? "en_US date format" : "date format: " + name;
   std::cout << "Using locale " << shown << "\n" << std::flush;
 }
 

@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <ctime>
+#include <new>
 #include <sstream>
 #include <stdexcept>
 
@@ -56,11 +58,25 @@ std::tm calendar_tm(const _windows_systemtime& fields) {
 }
 
 std::optional<std::locale> make_locale(const std::string& name) {
+  errno = 0;
   try {
     return std::locale(name);
   } catch (const std::runtime_error&) {
+    // A locale that lacked memory is there: without it dates would have another form.
+    if (errno == ENOMEM) throw std::bad_alloc();
     return std::nullopt;
   }
+}
+
+// The first usable one of: the environment's locale; the one that LC_TIME names; the one that LANG
+// names.
+std::optional<std::locale> find_user_locale() {
+  // An unset variable leaves its percent signs in place, and no locale has such a name.
+  for (const char* candidate : {"", "%LC_TIME%", "%LANG%"}) {
+    std::string name = candidate;
+    if (auto found = make_locale(expand_environment(name, false))) return found;
+  }
+  return std::nullopt;
 }
 
 }  // namespace
@@ -174,19 +190,10 @@ bool format_masked(std::string& date_out, std::string& time_out, const time& t,
   return true;
 }
 
-bool find_user_locale(std::string& name) {
-  // An unset variable leaves its percent signs in place, and no locale has such a name.
-  for (const char* candidate : {"", "%LC_TIME%", "%LANG%"}) {
-    name = candidate;
-    if (make_locale(expand_environment(name, false))) return true;
-  }
-  name.clear();
-  return false;
-}
+locale_dates::locale_dates() : user_locale(find_user_locale()) {}
 
-locale_dates::locale_dates() {
-  std::string name;
-  if (find_user_locale(name)) user_locale = make_locale(name);
+std::string locale_dates::locale_name() const {
+  return user_locale ? user_locale->name() : "";
 }
 
 std::optional<std::string> locale_dates::date(const _windows_systemtime& fields) const {

@@ -58,14 +58,15 @@ class masked_format {
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,
                    const std::string& date_mask, const std::string& time_mask);
 
-// The first usable one of: the environment's locale, with an empty `name`; the one that LC_TIME
-// names; the one that LANG names. False, with an empty `name`, if there is none.
-bool find_user_locale(std::string& name);
-
-// Dates as the user's locale writes them. The locale is looked up once, at construction.
+// Dates as the user's locale writes them: the environment's, or else the one that LC_TIME or LANG
+// names. It is looked up once, at construction. Throws std::bad_alloc if it can't be loaded for
+// lack of memory.
 class locale_dates {
  public:
   locale_dates();
+
+  // The locale's name, empty if none could be used.
+  std::string locale_name() const;
 
   // The date, or nothing if no locale could be used.
   std::optional<std::string> date(const _windows_systemtime& fields) const;

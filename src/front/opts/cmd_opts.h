@@ -3,19 +3,21 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "front/opts/cmd_params.h"
+#include "time/time_format.h"
 
 struct cmd_opts : cmd_params {
   std::string input_path;      // the file being parsed now
   bool rows_wait = false;      // rows and messages share a file, so rows come when an input ends
   bool write_header = true;    // if not, rows are empty lines too; nothing clears it
-  bool use_locale = false;     // dates as the user's locale has them
   bool any_signature = false;  // files are parsed whatever they begin with
   bool carve_columns = false;  // columns "note" and "offset"; nothing sets it
-  std::string partition_path;  // value of -partition
-  bool admin_rights = false;   // nothing sets it
+  std::optional<zk::locale_dates> dates;  // with -locale, of one form throughout the run
+  std::string partition_path;             // value of -partition
+  bool admin_rights = false;              // nothing sets it
   // Of the last input that was read whole, from its path: a large file and a disk don't set it.
   uint32_t file_kind = 1;
 

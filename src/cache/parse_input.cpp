@@ -67,8 +67,8 @@ class row_output {
   void write_header() {
     if (!writer) writer.emplace(out, opts);
     if (!opts.header_pending || !opts.write_header) return;
-    opts.header_pending = false;
     writer->write_header_line();
+    opts.header_pending = false;
   }
 
   void write(const cache_row& row) {

@@ -19,6 +19,7 @@ const case_kind runs("cli/cases.txt/run", 1, any_number);
 const case_kind real("cli/cases.txt/real", 1);
 const case_kind system_faults("cli/faults.txt/system", 1, any_number);
 const case_kind call_faults("cli/faults.txt/calls", 1, any_number);
+const case_kind fault_loops("cli/faults.txt/loops", 1);
 const case_kind limits("cli/faults.txt/limits", 1, any_number);
 const case_kind traced("cli/faults.txt/traced", 1, any_number);
 const case_kind mounted("cli/faults.txt/mounted", 1, any_number);
@@ -111,7 +112,8 @@ struct Runs : testing::Test {
     const string start = "cd '" + dir.path() +
                          "'; exec </dev/null 3>&- >out 2>err; udx='" UDX_PROGRAM
                          "' preload=" UDX_PRELOAD " shim='" UDX_SHIM "' examples='" UDX_SOURCE
-                         "/examples'; . '" UDX_SOURCE "/tests/cli/runs.sh'\n";
+                         "/examples'; . '" UDX_SOURCE "/tests/cli/runs.sh'; . '" UDX_SOURCE
+                         "/tests/cli/fault_loops.sh'\n";
     const int ended = std::system((start + lines).c_str());
     return {read_file(dir.path("out")), read_file(dir.path("err")),
             WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};
@@ -129,6 +131,13 @@ struct Runs : testing::Test {
     return "exit " + std::to_string(found.status) + (out.empty() ? "" : " | out" + out) +
            (err.empty() ? "" : " | err " + err);
   }
+  void check_loops(const string& failing) const {
+    if (*UDX_SHIM == '\0') GTEST_SKIP() << "the sanitizers' runtime wants to be first";
+    if (UDX_EMULATED) GTEST_SKIP() << "thousands of runs take an emulator too long";
+    fault_loops.check([&](const test_case& each) {
+      return shown("failing=" + failing + "; " + each.whole_input);
+    });
+  }
   void check(const case_kind& kind) const {
     kind.check([this](const test_case& each) { return shown(each.whole_input); });
   }
@@ -144,6 +153,14 @@ TEST_F(Runs, FaultsOfCallsAndLimits) {
   check(call_faults);
   if (UDX_EMULATED) GTEST_SKIP() << "the emulator doesn't fit the limits: calls alone";
   check(limits);
+}
+
+// In two tests, which run side by side.
+TEST_F(Runs, GivePartOfTheirRowsWhateverAllocationFails) {
+  check_loops("allocations");
+}
+TEST_F(Runs, GivePartOfTheirRowsWhateverCallFails) {
+  check_loops("calls");
 }
 
 TEST_F(Runs, ChangeNoInput) {

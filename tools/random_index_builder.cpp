@@ -19,8 +19,9 @@ uint64_t random_index_builder::next_filetime() {
 }
 
 uint32_t random_index_builder::next_dos() {
-  const uint32_t real =
-      dos_of(2001 + pick(30), 1 + pick(12), 1 + pick(28), pick(24), pick(60), pick(60));
+  const auto less_than = [&](uint32_t limit) { return static_cast<int>(pick(limit)); };
+  const uint32_t real = dos_of(2001 + less_than(30), 1 + less_than(12), 1 + less_than(28),
+                               less_than(24), less_than(60), less_than(60));
   return one_of({0u, 0x1234BEEFu, real, real});
 }
 

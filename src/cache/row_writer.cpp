@@ -67,7 +67,7 @@ void row_writer::write_row(const record_table& table, const cache_row& row, uint
   line.clear();
   if (opts.carve_columns) append_carve_cells(row, number);
   const auto times = times_of(row);
-  if (opts.dates) {
+  if (opts.use_locale) {
     append_locale_pairs(times);
   } else {
     append_masked_pairs(times);

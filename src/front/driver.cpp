@@ -71,7 +71,8 @@ int show_help(const argument_list& args) {
 
 void take_locale(argument_list& args, cmd_opts& opts) {
   opts.any_signature = true;
-  if (!take_flag("-locale", args)) return;
+  opts.use_locale = take_flag("-locale", args);
+  if (!opts.use_locale) return;
   const std::string name = opts.dates.emplace().locale_name();
   const std::string shown = name.empty() ? "en_US date format" : "date format: " + name;
   std::cout << "Using locale " << shown << "\n" << std::flush;

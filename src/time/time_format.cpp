@@ -68,17 +68,6 @@ std::optional<std::locale> make_locale(const std::string& name) {
   }
 }
 
-// The first usable one of: the environment's locale; the one that LC_TIME names; the one that LANG
-// names.
-std::optional<std::locale> find_user_locale() {
-  // An unset variable leaves its percent signs in place, and no locale has such a name.
-  for (const char* candidate : {"", "%LC_TIME%", "%LANG%"}) {
-    std::string name = candidate;
-    if (auto found = make_locale(expand_environment(name, false))) return found;
-  }
-  return std::nullopt;
-}
-
 }  // namespace
 
 masked_format::masked_format(const std::string& date_mask, const std::string& time_mask) {
@@ -190,7 +179,21 @@ bool format_masked(std::string& date_out, std::string& time_out, const time& t,
   return true;
 }
 
-locale_dates::locale_dates() : user_locale(find_user_locale()) {}
+bool find_user_locale(std::string& name, std::optional<std::locale>& found) {
+  // An unset variable leaves its percent signs in place, and no locale has such a name.
+  for (const char* candidate : {"", "%LC_TIME%", "%LANG%"}) {
+    name = candidate;
+    found = make_locale(expand_environment(name, false));
+    if (found) return true;
+  }
+  name.clear();
+  return false;
+}
+
+locale_dates::locale_dates() {
+  std::string name;
+  find_user_locale(name, user_locale);
+}
 
 std::string locale_dates::locale_name() const {
   return user_locale ? user_locale->name() : "";

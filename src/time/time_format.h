@@ -58,9 +58,12 @@ class masked_format {
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,
                    const std::string& date_mask, const std::string& time_mask);
 
-// Dates as the user's locale writes them: the environment's, or else the one that LC_TIME or LANG
-// names. It is looked up once, at construction. Throws std::bad_alloc if it can't be loaded for
-// lack of memory.
+// The first usable one of: the environment's locale, with an empty `name`; the one that LC_TIME
+// names; the one that LANG names. `found` is that locale, so that it isn't loaded again. False,
+// with an empty `name`, if there is none. Throws std::bad_alloc where a locale lacked memory.
+bool find_user_locale(std::string& name, std::optional<std::locale>& found);
+
+// Dates as the user's locale writes them. It is looked up once, at construction.
 class locale_dates {
  public:
   locale_dates();

@@ -15,7 +15,8 @@ struct cmd_opts : cmd_params {
   bool write_header = true;    // if not, rows are empty lines too; nothing clears it
   bool any_signature = false;  // files are parsed whatever they begin with
   bool carve_columns = false;  // columns "note" and "offset"; nothing sets it
-  std::optional<zk::locale_dates> dates;  // with -locale, of one form throughout the run
+  bool use_locale = false;     // dates as the user's locale has them
+  std::optional<zk::locale_dates> dates;  // there with `use_locale`: one form throughout the run
   std::string partition_path;             // value of -partition
   bool admin_rights = false;              // nothing sets it
   // Of the last input that was read whole, from its path: a large file and a disk don't set it.

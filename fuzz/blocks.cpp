@@ -1,6 +1,7 @@
 // The same bytes read whole and in the blocks of a large file. The input lies around the border of
 // the first two blocks; its first byte says where.
 #include "cache/block_readers.h"
+#include "cache/record_scan.h"
 #include "fuzz/support.h"
 
 namespace {

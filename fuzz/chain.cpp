@@ -61,9 +61,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   for (uint32_t i = 0; i < place.count; ++i) {
     uint64_t at = 0;
     const VMDK_EXTENT* const owner = chain.find_owner(place.offset + i);
-    if (owner) owner->locate_grain(place.offset + i, at);
-    const size_t from = owner && owner->m_wide_path == paths[1];
-    require(out[i] == (owner && at < sizes[from] ? begins[from][at] : 0), "a byte is its owner's");
+    const bool held = owner && owner->locate_grain(place.offset + i, at);
+    const size_t from = held && owner->m_wide_path == paths[1];
+    require(out[i] == (held && at < sizes[from] ? begins[from][at] : 0), "a byte is its owner's");
   }
   return 0;
 }

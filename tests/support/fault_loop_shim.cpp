@@ -111,6 +111,7 @@ FAULTY(int, lstat, (const char* path, struct stat* to), (path, to), -1, EACCES)
 FAULTY(int, fstat, (int fd, struct stat* to), (fd, to), -1, EIO)
 FAULTY(int, fstatat, (int fd, const char* path, struct stat* to, int flags), (fd, path, to, flags),
        -1, EACCES)
+FAULTY(DIR*, opendir, (const char* path), (path), nullptr, EACCES)
 FAULTY(dirent*, readdir, (DIR * folder), (folder), nullptr, EIO)
 FAULTY(int, closedir, (DIR * folder), (folder), -1, EIO)
 FAULTY(int, statfs, (const char* path, struct statfs* to), (path, to), -1, EIO)
@@ -129,13 +130,7 @@ FAULTY(size_t, fwrite, (const void* from, size_t size, size_t count, FILE* to),
 FAULTY(int, fputs, (const char* text, FILE* to), (text, to), EOF, ENOSPC)
 FAULTY(int, fflush, (FILE * stream), (stream), EOF, ENOSPC)
 
-// Two whose own allocations don't fail. A folder that finds no memory is one that can't be opened,
-// and the C++ library's loading of a locale doesn't survive each lack.
-DIR* opendir(const char* path) {
-  static const auto real = reinterpret_cast<DIR* (*)(const char*)>(dlsym(RTLD_NEXT, __func__));
-  const spared here;
-  return fails(__func__, EACCES) ? nullptr : real(path);
-}
+// The C++ library's loading of a locale doesn't survive each lack: its own allocations don't fail.
 void _ZNSt6localeC1EPKc(void* made, const char* name) {
   static const auto real =
       reinterpret_cast<void (*)(void*, const char*)>(dlsym(RTLD_NEXT, __func__));

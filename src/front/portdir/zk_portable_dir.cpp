@@ -6,7 +6,9 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <memory>
+#include <new>
 #include <string_view>
 
 #include "text/path_text.h"
@@ -86,6 +88,8 @@ constexpr char file_mark = 'f';
 std::string read_names(const std::string& folder, bool dirs_only) {
   std::string names;
   const std::unique_ptr<DIR, int (*)(DIR*)> stream(::opendir(folder.c_str()), ::closedir);
+  // A folder that can't be opened gives nothing. Lack of memory is another matter.
+  if (!stream && errno == ENOMEM) throw std::bad_alloc();
   if (!stream) return names;
   entry_types types(stream.get(), folder);
   std::string path = folder;

@@ -52,23 +52,25 @@ bool equal_ignore_case(std::string& a, std::string& b);
 bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, bool keep_line_ends,
                     uint8_t replacement);
 
+// The same as replace_chars for a text of at least `block` characters.
+template <size_t block, class Map>
+void replace_in_blocks(std::string& text, Map map) {
+  const auto map_block = [map](char* at) {
+    for (size_t i = 0; i < block; ++i) at[i] = map(at[i]);
+  };
+  char* const last = text.data() + (text.size() - block);
+  for (char* at = text.data(); at < last; at += block) map_block(at);
+  map_block(last);
+}
+
 // Overwrites each character with what `map` gives for it. To map a character twice must do no harm:
 // whole blocks are mapped at once, and the last overlaps the one before it.
 template <class Map>
 void replace_chars(std::string& text, Map map) {
-  char* const begin = text.data();
-  const size_t size = text.size();
-  const auto in_blocks_of = [=]<size_t block>() {
-    const auto map_block = [map](char* at) {
-      for (size_t i = 0; i < block; ++i) at[i] = map(at[i]);
-    };
-    for (size_t at = 0; at + block < size; at += block) map_block(begin + at);
-    map_block(begin + (size - block));
-  };
-  if (size >= 16) {
-    in_blocks_of.template operator()<16>();
-  } else if (size >= 8) {
-    in_blocks_of.template operator()<8>();
+  if (text.size() >= 16) {
+    replace_in_blocks<16>(text, map);
+  } else if (text.size() >= 8) {
+    replace_in_blocks<8>(text, map);
   } else {
     for (char& c : text) c = map(c);
   }

@@ -30,8 +30,8 @@ std::string difference(const std::string& expected, const std::string& actual) {
          "^ first difference\n";
 }
 
-case_kind::case_kind(std::string table_name, size_t fewest, size_t most)
-    : table(std::move(table_name)) {
+case_kind::case_kind(const std::string& table_name, size_t fewest, size_t most)
+    : table(table_name) {
   declared_kinds()[file_of(table)][table.substr(table.rfind('/') + 1)] = {fewest, most};
 }
 

@@ -37,8 +37,8 @@ std::string difference(const std::string& expected, const std::string& actual);
 // One kind of case. Declares it as it is constructed, before any test runs.
 class case_kind {
  public:
-  case_kind(std::string table_name, size_t fewest, size_t most);
-  case_kind(std::string table_name, size_t inputs) : case_kind(table_name, inputs, inputs) {}
+  case_kind(const std::string& table_name, size_t fewest, size_t most);
+  case_kind(const std::string& table_name, size_t inputs) : case_kind(table_name, inputs, inputs) {}
 
   // Expects of each case what it says. Checks the whole file's form first.
   void check(const std::function<std::string(const test_case&)>& shown) const;

@@ -17,7 +17,7 @@ CASES(media, blocks, 2, any_number) {
   };
   resize();
   const auto see = [&](const file_block& b) {
-    found += joined(found.empty() ? "" : " ", b.position, b.size, b.overlap);
+    found += joined(b.zeros ? " hole" : found.empty() ? "" : " ", b.position, b.size, b.overlap);
     resize();
   };
   EXPECT_TRUE(scan_file_blocks(file, see, 32768, 4096, number(c[1])));

@@ -24,6 +24,9 @@ fresh() { rm -rf work && cp -a inputs work && cd work || exit; }
 # The program with the library of faults ahead of it, by a path without a blank.
 faulty() { env "$preload"../shim.so ./udx "$@"; }
 
+# Puts bytes, as printf takes them, at a place in a file.
+put() { printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none; }
+
 # So many times x, and long runs of it as their length.
 xs() { head -c "$1" /dev/zero | tr '\0' x; }
 counted() { sed -E 's/x{4095}/<4095>/g; s/x{905}/<905>/g; s/x{300}/<300>/g; s/x{257}/<257>/g'; }

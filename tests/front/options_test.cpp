@@ -132,17 +132,17 @@ TEST(Options, SignalsTextGoesToItsHook) {
   EXPECT_EQ(signal_text, "S");
 }
 
-CASES(front, host, 4) {
+CASES(front, host, 5) {
   host_info info;
-  host_info_read(info, c[0]);
+  host_info_read(info, c[1]);
   EXPECT_TRUE(info.ok);
   info.system = "L;x";
   info.version = ";1";
   info.release = "6";
   info.node = "n";
-  info.is_64_bit = c[1] == "64";
+  info.is_64_bit = c[2] == "64";
   std::ostringstream out("old");
-  host_info_write(info, out, ";", "_", c[2] == "node", c[3] == "stem");
+  host_info_write(info, out, c[0], "_", c[3] == "node", c[4] == "stem");
   return out.str();
 }
 

@@ -154,8 +154,3 @@ bool filter_match(const cmd_params& span, bool& unreadable, const std::string& p
   if (zk::is_ascii(path)) return matches(span, unreadable, path, filters, stat);
   return matches(span, unreadable, zk::utf8_to_wide(path), filters, stat);
 }
-
-bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
-                       const filter_list& filters, file_stat* stat) {
-  return matches(span, unreadable, path, filters, stat);
-}

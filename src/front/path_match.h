@@ -22,7 +22,3 @@ struct file_stat {
 // time span counts only beside a filter.
 bool filter_match(const cmd_params& span, bool& unreadable, const std::string& path,
                   const filter_list& filters, file_stat* stat);
-
-// The same for a wide path, whose time is tested even if there is no filter.
-bool filter_match_wide(const cmd_params& span, bool& unreadable, const std::wstring& path,
-                       const filter_list& filters, file_stat* stat);

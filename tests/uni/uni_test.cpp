@@ -150,6 +150,24 @@ TEST(File, StreamsThatWriteNowhere) {
   EXPECT_TRUE(null << string(100000, 'x') << 1 << std::endl);
 }
 
+// Takes at most three characters at a time.
+struct small_steps : uni::streambuf_generic_output<char> {
+  string taken;
+  small_steps() : streambuf_generic_output(8) {}
+  int write_bytes(const char* data, int count) override {
+    taken.append(data, static_cast<size_t>(std::min(count, 3)));
+    return std::min(count, 3);
+  }
+};
+
+TEST(File, FlushedBufferIsWrittenInSteps) {
+  small_steps buffer;
+  std::ostream out(&buffer);
+  EXPECT_EQ((out << "abcdefg", buffer.taken), "");
+  EXPECT_EQ((out << std::flush, buffer.taken), "abcdefg");
+  EXPECT_EQ((out << "0123456789", buffer.taken), "abcdefg01234567");
+}
+
 int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);

@@ -31,6 +31,9 @@ put() { printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none; }
 xs() { head -c "$1" /dev/zero | tr '\0' x; }
 counted() { sed -E 's/x{4095}/<4095>/g; s/x{905}/<905>/g; s/x{300}/<300>/g; s/x{257}/<257>/g'; }
 
+# How many whole rows of many a file holds.
+long_rows() { grep -cx '2021-03-04,05:06:07.000 UTC,,,,,,,URL ,r\{900\},,,0,,0,r\{900\},many' "$1"; }
+
 # Doubles packed until it is of 32 MiB.
 grow() {
   while [ "$(stat -c %s packed)" -lt 33554432 ]; do cat packed packed >x && mv x packed; done

@@ -57,9 +57,9 @@ void random_index_builder::fill(uint64_t at, uint64_t end, uint64_t skew) {
     const byte_vector added = next_record();
     bytes.resize(std::max<uint64_t>(bytes.size(), (place + added.size() + 127) / 128 * 128));
     std::copy(added.begin(), added.end(), &bytes[place]);
-    at = once_in(6) ? place + 128 + pick(added.size() / 128) * 128 : bytes.size();
+    at = once_in(6) ? place + 128 + uint64_t{pick(added.size() / 128)} * 128 : bytes.size();
     if (once_in(8)) {
-      at = bytes.size() + (1 + pick(8)) * 128;
+      at = bytes.size() + (uint64_t{1} + pick(8)) * 128;
       bytes.resize(at, one_of({uint8_t{0}, uint8_t{'x'}}));
     }
   }

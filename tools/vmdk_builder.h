@@ -22,7 +22,7 @@ struct vmdk_builder {
 
   std::vector<uint8_t> bytes() const {
     const uint32_t directory = 3, first_table = 4, overhead = first_table + tables;
-    std::vector<uint8_t> made(overhead * 512);
+    std::vector<uint8_t> made(size_t{overhead} * 512);
     const auto put = [&](size_t at, uint64_t value) {
       zk::store_le32(&made[at], static_cast<uint32_t>(value));
     };

@@ -46,11 +46,11 @@ void record_table::next_block_at(uint64_t position) {
   const auto end = std::lower_bound(rows.begin(), rows.end(), position + block_size, lies_before);
   if (end == rows.begin()) return;
   std::for_each(rows.begin(), end, std::ref(take_final));
-  drop_before(end);
+  drop_first(static_cast<size_t>(end - rows.begin()));
 }
 
-void record_table::drop_before(std::deque<cache_row>::const_iterator first_kept) {
-  rows.erase(rows.cbegin(), first_kept);
+void record_table::drop_first(size_t count) {
+  rows.erase(rows.begin(), rows.begin() + static_cast<ptrdiff_t>(count));
   text_arena& left = *arena;
   arena = arena == &arenas[0] ? &arenas[1] : &arenas[0];
   for (cache_row& row : rows) {

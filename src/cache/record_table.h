@@ -4,6 +4,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -50,7 +51,7 @@ struct record_table {
     std::array<char, 8192> first;
     std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
   };
-  void drop_before(std::deque<cache_row>::const_iterator first_kept);
+  void drop_first(size_t count);
 
   std::array<text_arena, 2> arenas;
   text_arena* arena = arenas.data();

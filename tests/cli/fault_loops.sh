@@ -10,7 +10,6 @@ fault_loop() {
   ulimit -t 9
   rm -rf ../runs
   mkdir ../runs
-  ln -sf "${shim%/*}/libfault_loop_shim.so" ../loop_shim.so
   facts >../before
   if [ "$failing" = allocations ]; then
     run_with allocation 0 0

@@ -1,11 +1,12 @@
 # Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library
-# of faults $shim, what an assignment begins with that puts it ahead of the program $preload, the
-# folder of examples $examples.
+# of faults $shim, beside which that of failing calls lies, what an assignment begins with that puts
+# one ahead of the program $preload, the folder of examples $examples.
 
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {
   ln -s "$udx" udx
   ln -s "$shim" ../shim.so
+  ln -s "${shim%/*}/libfault_loop_shim.so" ../loop_shim.so
   mkdir -p MSHist a/b
   for name in two.dat MSHist/index.dat a/index.dat a/b/deep.dat; do cp one.dat $name; done
   touch -d @1000000000 one.dat index.dat
@@ -26,6 +27,11 @@ faulty() { env "$preload"../shim.so ./udx "$@"; }
 
 # Puts bytes, as printf takes them, at a place in a file.
 put() { printf "$3" | dd of="$1" bs=1 seek="$2" conv=notrunc status=none; }
+
+# The program with the library of failing calls ahead of it, of which one fails unless FAULT_ON is 1.
+failing_call() {
+  env FAULT_ON="${FAULT_ON:-0}" FAULT_COUNT=../count "$preload"../loop_shim.so ./udx "$@"
+}
 
 # So many times x, and long runs of it as their length.
 xs() { head -c "$1" /dev/zero | tr '\0' x; }

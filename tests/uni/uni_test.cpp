@@ -29,16 +29,19 @@ string repeated(const string& text, const string& times) {
   return made;
 }
 
-// A case's folder, and the file that its steps are about.
+// A case's folder, and the file that its steps are about. What they make gets its rights from the
+// program alone.
 struct stage {
   temp_dir dir;
   uni::fileio file;
   std::ostream* out = nullptr;
 
-  stage() {
+  explicit stage(const strings& ahead) {
+    umask(0);
     dir.write("f", "0123456789");
     EXPECT_EQ(mknod(dir.path("fifo").c_str(), S_IFIFO | 0600, 0), 0);
     EXPECT_EQ(mknod(dir.path("sock").c_str(), S_IFSOCK | 0600, 0), 0);
+    play_all(ahead);
   }
 
   string read(auto reader, auto count, const string& at) const {
@@ -101,40 +104,26 @@ struct stage {
   }
 };
 
-// No step may leave a file open, and what is made gets its rights from the program alone.
-class file_steps {
- public:
-  file_steps() : mask_before(umask(0)), files_before(open_files()) {}
-  file_steps(const file_steps&) = delete;
-  file_steps& operator=(const file_steps&) = delete;
-  ~file_steps() {
-    umask(mask_before);
-    EXPECT_EQ(open_files(), files_before);
-  }
+ptrdiff_t open_files() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
 
- private:
-  static ptrdiff_t open_files() {
-    return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
-  }
-
-  const mode_t mask_before;
-  const ptrdiff_t files_before;
-};
+// What steps give behind those that set the stage. None may leave a file open.
+string played(const strings& ahead, const strings& steps) {
+  const ptrdiff_t before = open_files();
+  const string seen = stage(ahead).play_all(steps);
+  EXPECT_EQ(open_files(), before);
+  return seen;
+}
 
 CASES(uni, steps, 1, any_number) {
-  const file_steps surroundings;
-  return stage().play_all(c);
+  return played({}, c);
 }
 
 CASES(uni, memory, 1, any_number) {
-  const file_steps surroundings;
-  stage on_disk;
-  stage in_memory;
-  on_disk.play("open f write");
-  in_memory.play("open f");  // which the bytes take the place of
-  in_memory.play("memory 0123456789");
-  const string seen = on_disk.play_all(c);
-  EXPECT_EQ(in_memory.play_all(c), seen);
+  const string seen = played({"open f write"}, c);
+  // The bytes take the place of a file.
+  EXPECT_EQ(played({"open f", "memory 0123456789"}, c), seen);
   return seen;
 }
 

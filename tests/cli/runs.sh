@@ -5,8 +5,10 @@
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {
   ln -s "$udx" udx
-  ln -s "$shim" ../shim.so
-  ln -s "${shim%/*}/libfault_loop_shim.so" ../loop_shim.so
+  if [ "$shim" ]; then
+    ln -s "$shim" ../shim.so
+    ln -s "${shim%/*}/libfault_loop_shim.so" ../loop_shim.so
+  fi
   mkdir -p MSHist a/b
   for name in two.dat MSHist/index.dat a/index.dat a/b/deep.dat; do cp one.dat $name; done
   touch -d @1000000000 one.dat index.dat

@@ -1,6 +1,6 @@
 // The rows of one input that aren't written yet, in ascending offset, and the memory in which their
 // texts stand. The table is a window that moves over the input: rows come in as blocks are searched
-// and leave as soon as they are final.
+// and, where `take_final` is set, leave as soon as they are final.
 #pragma once
 
 #include <array>

@@ -43,7 +43,7 @@ class RAW_DISK_IO {
 
   std::unique_ptr<VMDK_CHAIN> m_chain;
   [[maybe_unused]] uint32_t m_bytes_per_sector = 512;  // no source is asked for its own
-  int m_fd = -1;  // of a VMware disk its base's, which the chain owns
+  int m_fd = -1;  // of a VMware disk its base's, which its extent owns
   kind m_kind = none;
   bool m_open = false;
   int64_t m_size = 0;

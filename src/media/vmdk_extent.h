@@ -58,7 +58,7 @@ class VMDK_EXTENT {
   std::vector<uint32_t> m_volume_sector_sizes;
   uint64_t m_bytes_per_grain = 0;
   bool m_valid = false;
-  int m_fd = -1;
+  int m_fd = -1;  // its own, closed at the end
   std::string m_path_utf8;
   std::wstring m_wide_path;
 

@@ -1,7 +1,8 @@
 // One file by its path: a descriptor, the size found at open, and reads and writes that name
 // their offset. The same object can hold its bytes in memory instead.
 //
-// Nothing here prints or throws; each failure is a false, 0 or null result.
+// Nothing here prints; each failure is a false, 0 or null result. Paths and texts may throw
+// std::bad_alloc; read_block, writes to memory and attach_output don't.
 #pragma once
 
 #include <sys/stat.h>

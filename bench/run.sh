@@ -116,7 +116,7 @@ scenario '500 GiB VMDK, one index: qemu-img map' 0.5 "$sparse_disk" \
   "qemu-img map sparse.vmdk >$out/found"
 scenario '500 GiB sparse file: the VMDK of it' 1.5 "$udx -f sparse.dat >$out/rows" "$sparse_disk"
 # disks COUNT: a chain of the first of them.
-disks() { echo "$udx -vmdk '$(seq -s '|' -f "$dir/chain/%g.vmdk" 0 $(($1 - 1)))' 2>$out/messages"; }
+disks() { echo "$udx -vmdk '$(seq -s '|' -f "$dir/chain/%g.vmdk" 0 $(($1 - 1)))' >$out/rows 2>$out/messages"; }
 scenario 'ten empty disks of 500 GiB: one' 2.0 "$(disks 10)" "$(disks 1)"
 times() { echo "for i in $(seq -s ' ' 500); do $1; done"; }
 cats=$(times "cat one.dat >$out/found")

@@ -54,7 +54,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                 piece->access == row.access,
             "a record's numbers don't depend on the blocks");
     if (row.is_redirect() || shows_count(record)) continue;
-    require(row.url().starts_with(piece->url()) && row.filename().starts_with(piece->filename()),
+    require(row.texts.url().starts_with(piece->texts.url()) &&
+                row.texts.filename().starts_with(piece->texts.filename()),
             "a block's end only cuts a text");
   }
   return 0;

@@ -18,18 +18,18 @@ void check_text(const cache_row& row, std::string_view directory, const std::str
   const auto holds = [](std::string_view text, const char* unwanted) {
     return text.find_first_of(unwanted) != std::string_view::npos;
   };
-  require(!holds(row.url(), ",") && (row.is_redirect() || !holds(row.url(), "\r\n")),
+  require(!holds(row.texts.url(), ",") && (row.is_redirect() || !holds(row.texts.url(), "\r\n")),
           "a URL is cleaned");
-  require(!holds(row.filename(), ",\r\n"), "a file name is cleaned");
-  const std::string_view header = row.http_header();
+  require(!holds(row.texts.filename(), ",\r\n"), "a file name is cleaned");
+  const std::string_view header = row.texts.http_header();
   require(std::all_of(header.begin(), header.end(),
                       [](char c) { return c >= 0x20 && c <= 0x7E && c != ','; }),
           "a header text is printable and cleaned");
   // A user and a directory name keep what they hold, a REDR record's URL its line ends.
-  require(count_of(line, ',') == 16 + count_of(row.user(), ',') + count_of(directory, ','),
+  require(count_of(line, ',') == 16 + count_of(row.texts.user(), ',') + count_of(directory, ','),
           "a row has 17 cells");
-  require(count_of(line, '\n') == 1 + count_of(row.user(), '\n') + count_of(directory, '\n') +
-                                      count_of(row.url(), '\n'),
+  require(count_of(line, '\n') == 1 + count_of(row.texts.user(), '\n') + count_of(directory, '\n') +
+                                      count_of(row.texts.url(), '\n'),
           "a row is one line");
 }
 

@@ -22,7 +22,7 @@ uint32_t dos_field(const url_record& record, uint32_t at) {
 
 // Deliberate: a colon at byte 17 doesn't pass. The test runs on the cleaned URL, where a comma has
 // become a semicolon.
-bool has_local_time_prefix(const std::string& url) {
+bool has_local_time_prefix(std::string_view url) {
   return url.size() > 19 && url[0] == ':' && url[17] == ';' && url[18] == ' ';
 }
 
@@ -37,10 +37,11 @@ std::string source_name(const cmd_opts& opts) {
   return source;
 }
 
-void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts) {
+void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts, char* texts) {
+  put_clean_texts(row.texts, texts, record);
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
-  row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(record.url);
+  row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(row.texts.url());
   row.file_size = record.field32(url_layout::file_size);
   row.flags = record.field32(url_layout::flags);
   const uint32_t count = record.field32(url_layout::count);
@@ -54,7 +55,8 @@ void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts
   row.valid = record.valid;
 }
 
-void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts) {
+void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts, char* texts) {
+  put_clean_texts(row.texts, texts, record);
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
   row.valid = record.valid;

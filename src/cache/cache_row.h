@@ -3,24 +3,20 @@
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 
 #include "cache/record_signature.h"
+#include "cache/record_texts.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
 #include "front/opts/cmd_opts.h"
 
-// Its texts stand one behind the other in the table that it belongs to, so that a row takes no
-// memory of its own beyond its size.
+// Its texts stand in the table that it belongs to, so that a row takes no memory of its own beyond
+// its size.
 struct cache_row {
   uint64_t offset = ~0ULL;
   uint64_t last_mod = 0;  // FILETIME, 0 for none
   uint64_t access = 0;
-  const char* texts = nullptr;  // URL, user, file name and header
-  uint32_t url_size = 0;
-  uint32_t user_size = 0;
-  uint32_t filename_size = 0;
-  uint32_t http_header_size = 0;
+  record_texts texts;
   uint32_t signature = 0;
   uint32_t file_size = 0;
   uint32_t count = 0;
@@ -33,15 +29,6 @@ struct cache_row {
   bool local_time = false;         // the last-mod pair is labelled " local"
   bool valid = false;              // nothing reads it
 
-  std::string_view url() const { return {texts, url_size}; }
-  std::string_view user() const { return {texts + url_size, user_size}; }
-  std::string_view filename() const { return {texts + url_size + user_size, filename_size}; }
-  std::string_view http_header() const {
-    return {texts + url_size + user_size + filename_size, http_header_size};
-  }
-  size_t texts_size() const {
-    return size_t{url_size} + user_size + filename_size + http_header_size;
-  }
   bool is_leak() const { return signature == leak_signature; }
   bool is_redirect() const { return signature == redr_signature; }
 };
@@ -53,7 +40,7 @@ static_assert(sizeof(cache_row) <= 80);
 // files joined by "; ".
 std::string source_name(const cmd_opts& opts);
 
-// Fill a new row, but for its texts, from a record. Fields that were never set, as their fill
-// patterns show, stay 0.
-void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts);
-void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts);
+// Fill a new row from a record, and `texts`, which has space for them, with its texts. Fields that
+// were never set, as their fill patterns show, stay 0.
+void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts, char* texts);
+void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts, char* texts);

@@ -63,12 +63,12 @@ void search_gap(cache_container& container, uint8_t* bytes, const gap& between) 
       redr_record record;
       decode_redr_record(record, bytes, at, limit);
       record.in_gap = true;
-      if (record.valid) container.gap_redrs.push_back(std::move(record));
+      if (record.valid) container.gap_redrs.push_back(record);
     } else if (is_url_or_leak(four)) {
       url_record record;
       decode_url_record(record, bytes, at, limit, 1);
       record.in_gap = true;
-      if (record.valid) container.gap_urls.push_back(std::move(record));
+      if (record.valid) container.gap_urls.push_back(record);
     }
   }
 }

@@ -4,7 +4,6 @@
 #include <cstring>
 #include <limits>
 #include <string_view>
-#include <utility>
 
 #include "cache/record_signature.h"
 
@@ -22,12 +21,12 @@ void read_entry(hash_block& block, hash_entry entry, uint8_t* bytes, uint64_t si
     block.entries.push_back(entry);
     redr_record record;
     decode_redr_record(record, bytes, entry.record_offset, limit);
-    if (record.valid) block.redr_records.push_back(std::move(record));
+    if (record.valid) block.redr_records.push_back(record);
   } else if (is_url_or_leak(signature)) {
     block.entries.push_back(entry);
     url_record record;
     decode_url_record(record, bytes, entry.record_offset, limit, 1);
-    if (record.valid) block.url_records.push_back(std::move(record));
+    if (record.valid) block.url_records.push_back(record);
   }
 }
 

@@ -7,20 +7,18 @@ bool add_record(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint3
   if (url_record& url = table.decoded_url; decode_url_record(url, bytes, 0, limit, 1)) {
     if (url.block_count() >= too_many_blocks) return false;
     if (cache_row* const row = table.add(position)) {
-      row_from_url(*row, url, opts);
-      table.keep_texts(*row, url.url, url.user, url.filename, url.http_header);
+      row_from_url(*row, url, opts, table.text_space(url.texts_size()));
     }
     return true;
   }
-  // The count is tested first. A string of noise can be as long as the buffer, and to copy it for
-  // each of many candidates would take for ever; an accepted count ends it with its own NULs.
+  // The count is tested first. A string of noise can be as long as the buffer, and to seek its end
+  // for each of many candidates would take for ever; an accepted count ends it with its own NULs.
   if (limit < redr_layout::fixed_size) return false;
   if (zk::load_le32(bytes + redr_layout::block_count) >= too_many_blocks) return false;
   redr_record& redr = table.decoded_redr;
   if (!decode_redr_record(redr, bytes, 0, limit)) return false;
   if (cache_row* const row = table.add(position)) {
-    row_from_redr(*row, redr, opts);
-    table.keep_texts(*row, redr.url);
+    row_from_redr(*row, redr, opts, table.text_space(redr.url.size()));
   }
   return true;
 }

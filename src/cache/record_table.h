@@ -24,9 +24,8 @@ struct record_table {
   // pointer is good until the next row is added.
   cache_row* add(uint64_t offset);
 
-  // Copies a row's texts into the table's memory: of a new row, and of one that moves on.
-  void keep_texts(cache_row& row, std::string_view url, std::string_view user = {},
-                  std::string_view filename = {}, std::string_view http_header = {});
+  // Space for a new row's texts.
+  char* text_space(size_t size) { return static_cast<char*>(arena->memory.allocate(size, 1)); }
 
   // Tells that all later blocks begin at `position` or behind it. The rows ahead of the first place
   // that such a block can search are final: none can come ahead of them or under their offsets any
@@ -40,7 +39,7 @@ struct record_table {
   std::vector<std::string> directories;  // filled once the scan is over; at most 256
   std::deque<cache_row> rows;
   std::function<void(const cache_row&)> take_final;
-  // The candidate that is being decoded, here so that its strings keep their memory.
+  // The candidate that is being decoded, here so that none is made for each.
   url_record decoded_url;
   redr_record decoded_redr;
 
@@ -51,7 +50,6 @@ struct record_table {
     std::array<char, 8192> first;
     std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
   };
-  void drop_first(size_t count);
 
   std::array<text_arena, 2> arenas;
   text_arena* arena = arenas.data();

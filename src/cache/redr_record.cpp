@@ -14,9 +14,13 @@ bool decode_redr_record(redr_record& record, const uint8_t* bytes, uint64_t offs
   if (zk::load_le32(begin) != redr_signature) return false;
   std::memcpy(record.fixed.data(), begin, redr_layout::fixed_size);
   record.valid = true;
-  record.url = zk::bounded_string(begin + redr_layout::url, bytes + limit);
-  zk::replace_char(record.url, ',', '_');
-  zk::trim(record.url);
+  record.url = zk::trimmed(zk::bounded_string(begin + redr_layout::url, bytes + limit));
   record.offset = static_cast<uint32_t>(offset);
   return true;
+}
+
+void put_clean_texts(record_texts& texts, char* space, const redr_record& record) {
+  texts.begin = space;
+  texts.sizes.url = static_cast<uint32_t>(record.url.size());
+  zk::map_chars(space, record.url, [](char c) { return c == ',' ? '_' : c; });
 }

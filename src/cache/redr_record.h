@@ -7,8 +7,9 @@
 
 #include <array>
 #include <cstdint>
-#include <string>
+#include <string_view>
 
+#include "cache/record_texts.h"
 #include "text/le_bytes.h"
 
 namespace redr_layout {
@@ -17,10 +18,11 @@ inline constexpr uint32_t url = 0x10;
 inline constexpr uint32_t fixed_size = 0x11;  // the URL's first byte is among them
 }  // namespace redr_layout
 
-// A decoded record, which owns its string.
+// A decoded record. Its URL is the file's, less the blanks at both ends, and stays in the bytes
+// that it came from.
 struct redr_record {
   std::array<uint8_t, redr_layout::fixed_size> fixed = {};
-  std::string url;
+  std::string_view url;
   bool valid = false;
   uint64_t offset = 0;
   bool in_gap = false;
@@ -29,8 +31,11 @@ struct redr_record {
   uint32_t block_count() const { return zk::load_le32(&fixed[redr_layout::block_count]); }
 };
 
-// Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read.
-// False if there is none. An empty URL is accepted.
+// Sets `texts` to the URL as rows show it, in `space` of its size.
 // Deliberate: a comma becomes an underscore, not a semicolon as in URL records, and line ends
 // inside the URL stay.
+void put_clean_texts(record_texts& texts, char* space, const redr_record& record);
+
+// Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read.
+// False if there is none. An empty URL is accepted.
 bool decode_redr_record(redr_record& record, const uint8_t* bytes, uint64_t offset, uint32_t limit);

@@ -112,7 +112,7 @@ void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
 
 void row_writer::append_other_cells(const record_table& table, const cache_row& row) {
   const std::string_view directory = table.directory_of(row);
-  const size_t texts = row.texts_size() + directory.size() + table.source.size();
+  const size_t texts = row.texts.size() + directory.size() + table.source.size();
   const size_t most = texts + most_in_numbers + cells_behind_times * opts.csv_separator.size();
   line.put(most, [&](char* begin) {
     cell_cursor cells(begin, opts.csv_separator);
@@ -120,12 +120,12 @@ void row_writer::append_other_cells(const record_table& table, const cache_row& 
       *cells.at++ = static_cast<char>(row.signature >> shift);
     }
     cells.end_cell();
-    cells.put(row.url());
+    cells.put(row.texts.url());
     cells.end_cell();
     if (opts.verbose) {
-      cells.put(row.user());
+      cells.put(row.texts.user());
       cells.end_cell();
-      cells.put(row.filename());
+      cells.put(row.texts.filename());
       cells.end_cell();
       cells.put_number(row.file_size);
       cells.end_cell();
@@ -133,7 +133,7 @@ void row_writer::append_other_cells(const record_table& table, const cache_row& 
       cells.end_cell();
       cells.put_number(row.count);
       cells.end_cell();
-      cells.put(row.http_header());
+      cells.put(row.texts.http_header());
       cells.end_cell();
     } else {
       for (int i = 0; i < verbose_cells; ++i) cells.end_cell();

@@ -29,23 +29,39 @@ record_bytes bytes_of_record(uint8_t* begin, uint32_t limit) {
   return {begin, begin + limit, next};
 }
 
-void replace_separators(std::string& text) {
-  zk::replace_chars(text, [](char c) {
-    c = c == '\r' ? ' ' : c;
-    // No choice within the condition, which makes for the shortest vector code.
-    const bool ends_something = (c == ',') | (c == '\n');
-    return ends_something ? ';' : c;
+// A header text without what isn't shown at both ends.
+std::string_view trimmed_header(std::string_view text) {
+  const auto shown = [](char c) { return c > ' ' && c <= '~'; };
+  while (!text.empty() && !shown(text.back())) text.remove_suffix(1);
+  while (!text.empty() && !shown(text.front())) text.remove_prefix(1);
+  return text;
+}
+
+// The value, or 0. A mask, since a choice makes for longer vector code.
+constexpr uint8_t only_if(bool condition, uint8_t value) {
+  return static_cast<uint8_t>(-static_cast<uint8_t>(condition)) & value;
+}
+
+// Copies a URL or a file name to `out` as rows show it, and returns the place behind it.
+char* clean_text(char* out, std::string_view text) {
+  return zk::map_chars(out, text, [](char c) {
+    const int change = only_if(c == ',', ';' - ',') | only_if(c == '\n', ';' - '\n') |
+                       only_if(c == '\r', ' ' - '\r');
+    return static_cast<char>(c + change);
   });
 }
 
-// Fills an empty string with a text as clean_text leaves it.
-void put_clean(std::string& empty, std::string_view text) {
-  empty.append(zk::trimmed(text));
-  replace_separators(empty);
+// The same for a header text.
+char* clean_header_text(char* out, std::string_view text) {
+  return zk::map_chars(out, text, [](char c) {
+    const auto above_blank = static_cast<uint8_t>(c - ' ');
+    const uint8_t kept = only_if(above_blank <= '~' - ' ', above_blank);
+    return static_cast<char>(' ' + kept + only_if(kept == ',' - ' ', ';' - ','));
+  });
 }
 
 // False if the record has no usable URL offset. `whole` tells whether the URL fits the room.
-bool read_url(url_record& record, const record_bytes& bytes, bool& whole) {
+bool find_url(url_record& record, const record_bytes& bytes, bool& whole) {
   const uint32_t at = record.field32(url_layout::url_offset);
   if (at == 0 || at >= bytes.room) return false;
   const uint32_t left = bytes.room - at;
@@ -55,12 +71,12 @@ bool read_url(url_record& record, const record_bytes& bytes, bool& whole) {
   const std::string_view text =
       zk::bounded_string(begin, begin + std::min<uint64_t>(readable, left + 1ULL));
   whole = static_cast<int32_t>(left) >= static_cast<int32_t>(text.size());
-  put_clean(record.url, text.substr(0, left));
+  record.url = zk::trimmed(text.substr(0, left));
   return true;
 }
 
-// Reads the header span, and the user from its marker. False if the span is empty.
-bool read_header_text(url_record& record, const record_bytes& bytes) {
+// Finds the header text, and the user behind its marker. False if the header span is empty.
+bool find_header(url_record& record, const record_bytes& bytes) {
   uint32_t length = record.field32(url_layout::header_length);
   uint32_t start = record.field32(url_layout::header_offset);
   const uint32_t room = bytes.room;
@@ -73,34 +89,22 @@ bool read_header_text(url_record& record, const record_bytes& bytes) {
   length = std::min(length, room - start);  // beyond 2 GiB the sum may have wrapped
   if (length == 0) return false;
 
-  const uint8_t* const text = bytes.begin + start;
-  const std::string_view span(reinterpret_cast<const char*>(text), length);
-  const size_t marker = span.find(user_marker);
-  if (marker != std::string_view::npos) {
-    const size_t nul = std::min(span.find('\0', marker), span.size());
-    const size_t user_at = marker + user_marker.size();
-    record.user.append(zk::trimmed(span.substr(user_at, nul - user_at)));
-    length = static_cast<uint32_t>(marker);
+  std::string_view header(reinterpret_cast<const char*>(bytes.begin + start), length);
+  if (const size_t marker = header.find(user_marker); marker != std::string_view::npos) {
+    const std::string_view behind = header.substr(marker + user_marker.size());
+    record.user = zk::trimmed(behind.substr(0, behind.find('\0')));
+    header = header.substr(0, marker);
+    if (header.empty()) header = record.user = "-";
   }
-  zk::printable_text(record.http_header, text, length, false, ' ');
-  clean_text(record.http_header);
-  if (length == 0) record.http_header = record.user = "-";
+  record.http_header = trimmed_header(header.substr(0, header.find('\0')));
   return true;
 }
 
 }  // namespace
 
-void clean_text(std::string& text) {
-  zk::trim(text);
-  replace_separators(text);
-}
-
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t /*flag*/) {
-  record.url.clear();  // the strings keep their memory
-  record.filename.clear();
-  record.http_header.clear();
-  record.user.clear();
+  record.url = record.filename = record.user = record.http_header = {};
   record.offset = static_cast<uint32_t>(offset);
   record.in_gap = false;
   const uint32_t size = url_layout::fixed_size;
@@ -116,10 +120,21 @@ bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint
   const record_bytes own = bytes_of_record(begin, limit - static_cast<uint32_t>(offset));
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.
   bool whole = false;
-  if (record.signature() == url_signature && !read_url(record, own, whole)) return false;
+  if (record.signature() == url_signature && !find_url(record, own, whole)) return false;
   if (const uint32_t at = record.field32(url_layout::filename_offset); at != 0 && at < own.room) {
     // Deliberate: not cut to the room, so it may run on beyond the next record.
-    put_clean(record.filename, own.string_at(at));
+    record.filename = zk::trimmed(own.string_at(at));
   }
-  return !whole || read_header_text(record, own);
+  return !whole || find_header(record, own);
+}
+
+void put_clean_texts(record_texts& texts, char* space, const url_record& record) {
+  const auto size = [](std::string_view text) { return static_cast<uint32_t>(text.size()); };
+  texts.begin = space;
+  texts.sizes = {size(record.url), size(record.filename), size(record.user),
+                 size(record.http_header)};
+  space = clean_text(space, record.url);
+  space = clean_text(space, record.filename);
+  space = std::copy(record.user.begin(), record.user.end(), space);
+  clean_header_text(space, record.http_header);
 }

@@ -13,9 +13,11 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <string_view>
 
+#include "cache/record_texts.h"
 #include "text/le_bytes.h"
 
 namespace url_layout {
@@ -36,14 +38,15 @@ inline constexpr uint32_t leak_access = 0x5C;
 inline constexpr uint32_t fixed_size = 0x68;
 }  // namespace url_layout
 
-// A decoded record. It owns its strings and has no link to the bytes that it came from.
+// A decoded record. Its texts are those of the file, less the blanks at both ends; they stay in the
+// bytes that it came from.
 struct url_record {
   std::array<uint8_t, url_layout::fixed_size> fixed = {};  // the fixed part as the file has it
-  std::string url;
-  std::string filename;
-  std::string http_header;  // the cleaned text of the header span
-  std::string user;
-  bool valid = false;  // the signature was right; true also where decoding failed later
+  std::string_view url;
+  std::string_view filename;
+  std::string_view user;
+  std::string_view http_header;  // the header span up to the user's marker
+  bool valid = false;            // the signature was right; true also where decoding failed later
   uint64_t offset = 0;
   bool in_gap = false;
 
@@ -51,6 +54,9 @@ struct url_record {
   uint64_t field64(uint32_t at) const { return zk::load_le64(&fixed[at]); }
   uint32_t signature() const { return field32(0); }
   uint32_t block_count() const { return field32(url_layout::block_count); }
+  size_t texts_size() const {
+    return url.size() + filename.size() + user.size() + http_header.size();
+  }
 };
 
 // Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read; no
@@ -61,6 +67,7 @@ struct url_record {
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t flag);
 
-// What the URL, the file name and the header text go through: commas to semicolons, blanks cut from
-// both ends, CR to a blank, LF to a semicolon.
-void clean_text(std::string& text);
+// Sets `texts` to the record's as rows show them, in `space` of `texts_size` bytes: in the URL and
+// the file name commas and LF become semicolons and CR a blank; in the header commas become
+// semicolons, and all but printable ASCII blanks.
+void put_clean_texts(record_texts& texts, char* space, const url_record& record);

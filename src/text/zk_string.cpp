@@ -5,8 +5,6 @@
 #include <locale>
 #include <utility>
 
-#include "text/le_bytes.h"
-
 namespace zk {
 namespace {
 
@@ -47,13 +45,6 @@ std::vector<std::basic_string<Char>> split_pieces(std::basic_string_view<Char> t
 }
 
 }  // namespace
-
-std::string_view trimmed(std::string_view text) {
-  const auto stays = [](char c) { return c != ' ' && c != '\t' && c != '\r' && c != '\n'; };
-  while (!text.empty() && !stays(text.back())) text.remove_suffix(1);
-  while (!text.empty() && !stays(text.front())) text.remove_prefix(1);
-  return text;
-}
 
 bool trim(std::string& text) {
   const std::string_view rest = trimmed(text);
@@ -109,24 +100,6 @@ std::wstring& to_lower_wide(std::wstring& text) {
 bool equal_ignore_case(std::string& a, std::string& b) {
   if (a.size() != b.size()) return false;
   return to_lower(a) == to_lower(b);
-}
-
-bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, bool keep_line_ends,
-                    uint8_t replacement) {
-  out.clear();
-  if (!bytes || length == 0) return false;
-  out.append(bounded_string(bytes, bytes + length));
-  const auto kept = [](char c) { return c >= 0x20 && c <= 0x7E; };
-  const auto kept_or_line_end = [=](char c) { return kept(c) || c == '\r' || c == '\n'; };
-  const auto with = static_cast<char>(replacement);
-  if (replacement == 0) {
-    std::erase_if(out, [=](char c) { return keep_line_ends ? !kept_or_line_end(c) : !kept(c); });
-  } else if (keep_line_ends) {
-    replace_chars(out, [=](char c) { return kept_or_line_end(c) ? c : with; });
-  } else {
-    replace_chars(out, [=](char c) { return kept(c) ? c : with; });
-  }
-  return true;
 }
 
 void replace_char(std::string& text, char from, char to, bool ignore_case) {

@@ -4,6 +4,8 @@
 // and throw only std::bad_alloc.
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -13,7 +15,12 @@
 namespace zk {
 
 // The text without the blanks, tabs, CR and LF at both ends.
-std::string_view trimmed(std::string_view text);
+inline std::string_view trimmed(std::string_view text) {
+  const auto stays = [](char c) { return c != ' ' && c != '\t' && c != '\r' && c != '\n'; };
+  while (!text.empty() && !stays(text.back())) text.remove_suffix(1);
+  while (!text.empty() && !stays(text.front())) text.remove_prefix(1);
+  return text;
+}
 
 // Removes the same from a string. False if it was empty or is now.
 bool trim(std::string& text);
@@ -46,34 +53,31 @@ std::wstring& to_lower_wide(std::wstring& text);
 // place; where they don't, both stay.
 bool equal_ignore_case(std::string& a, std::string& b);
 
-// Copies at most `length` bytes, up to a NUL, into `out`, which is emptied first. Bytes from 0x20
-// to 0x7E are kept, and CR and LF with `keep_line_ends`; any other becomes `replacement`, or is
-// dropped if that is 0. False if `bytes` is null or `length` 0.
-bool printable_text(std::string& out, const uint8_t* bytes, uint32_t length, bool keep_line_ends,
-                    uint8_t replacement);
-
-// The same as replace_chars for a text of at least `block` characters.
+// The same as map_chars for a text of at least `block` characters.
 template <size_t block, class Map>
-void replace_in_blocks(std::string& text, Map map) {
-  const auto map_block = [map](char* at) {
-    for (size_t i = 0; i < block; ++i) at[i] = map(at[i]);
+void map_in_blocks(char* out, std::string_view text, Map map) {
+  const auto map_block = [=](size_t at) {
+    std::array<char, block> mapped;
+    for (size_t i = 0; i < block; ++i) mapped[i] = map(text[at + i]);
+    std::copy(mapped.begin(), mapped.end(), out + at);
   };
-  char* const last = text.data() + (text.size() - block);
-  for (char* at = text.data(); at < last; at += block) map_block(at);
-  map_block(last);
+  const size_t last = text.size() - block;
+  for (size_t at = 0; at < last; at += block) map_block(at);
+  map_block(last);  // it may overlap the one before
 }
 
-// Overwrites each character with what `map` gives for it. To map a character twice must do no harm:
-// whole blocks are mapped at once, and the last overlaps the one before it.
+// Writes what `map` gives for each character to `out`, and returns the place behind it. Whole
+// blocks are mapped at once, which makes for vector code.
 template <class Map>
-void replace_chars(std::string& text, Map map) {
+char* map_chars(char* out, std::string_view text, Map map) {
   if (text.size() >= 16) {
-    replace_in_blocks<16>(text, map);
+    map_in_blocks<16>(out, text, map);
   } else if (text.size() >= 8) {
-    replace_in_blocks<8>(text, map);
+    map_in_blocks<8>(out, text, map);
   } else {
-    for (char& c : text) c = map(c);
+    std::transform(text.begin(), text.end(), out, map);
   }
+  return out + text.size();
 }
 
 // Overwrites each `from` with `to`; with `ignore_case` both cases of `from`.

@@ -6,6 +6,16 @@
 
 namespace {
 
+// The texts of a record as its row shows them, a header of more than 99 characters by its size.
+std::string texts_of(const url_record& record) {
+  std::string space(record.texts_size(), '?');
+  record_texts texts;
+  put_clean_texts(texts, space.data(), record);
+  const std::string header(texts.http_header());
+  return joined(texts.url(), texts.filename(), texts.user(),
+                header.size() > 99 ? std::to_string(header.size()) : header);
+}
+
 // Both decode into a record that the case before has used.
 CASES(cache, url_record, 2, any_number) {
   static url_record record;
@@ -14,9 +24,7 @@ CASES(cache, url_record, 2, any_number) {
   const bool accepted = decode_url_record(record, bytes.data(), offset, bytes.size(), 1);
   EXPECT_EQ(record.offset, static_cast<uint32_t>(offset));
   const char* const state[] = {"none", "refused", "accepted"};
-  std::string& header = record.http_header;
-  if (header.size() > 99) header = std::to_string(header.size());
-  return joined(state[accepted + record.valid], record.url, record.filename, record.user, header);
+  return joined(state[accepted + record.valid], texts_of(record));
 }
 
 CASES(cache, redr_record, 2, any_number) {
@@ -26,7 +34,10 @@ CASES(cache, redr_record, 2, any_number) {
   const bool accepted = decode_redr_record(record, bytes.data(), offset, bytes.size());
   EXPECT_EQ(accepted, record.valid);
   EXPECT_EQ(record.offset, accepted ? offset : 0);
-  return joined(accepted, record.url);
+  std::string space(record.url.size(), '?');
+  record_texts texts;
+  put_clean_texts(texts, space.data(), record);
+  return joined(accepted, texts.url());
 }
 
 TEST(UrlRecord, NullIsNothing) {

@@ -20,7 +20,8 @@ TEST(Scan, TellsWhatItMet) {
   std::copy_n("REDR", 4, &noise[128]);
   EXPECT_TRUE(scan_buffer(table, opts, noise.data(), 1024, 0, 0));
   EXPECT_FALSE(add_record(table, opts, &noise[128], 896, 128));
-  // A string of noise can be as long as the buffer: a count too large is refused before its copy.
+  // A string of noise can be as long as the buffer: a count too large ends it before its end is
+  // sought.
   EXPECT_EQ(table.decoded_redr.url, "");
   EXPECT_FALSE(add_record(table, opts, good.data(), 16, 128));
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(add_record(table, opts, good.data(), 17, 128));
@@ -34,14 +35,17 @@ TEST(Scan, TellsWhatItMet) {
 TEST(Table, GivesWhatIsFinalAndNoMore) {
   const cmd_opts opts;
   record_table table(opts);
-  table.take_final = [](const cache_row& row) { EXPECT_EQ(row.url(), "383"); };
+  table.take_final = [](const cache_row& row) { EXPECT_EQ(row.texts.url(), "383"); };
   for (const uint64_t offset : {385, 383, 384}) {
-    table.keep_texts(*table.add(offset), std::to_string(offset));
+    redr_record record;
+    const std::string url = std::to_string(offset);
+    record.url = url;
+    row_from_redr(*table.add(offset), record, opts, table.text_space(url.size()));
   }
   table.next_block_at(256);
   EXPECT_EQ(table.rows.size(), 2U);
   EXPECT_EQ(table.add(384), nullptr);
-  EXPECT_EQ(table.rows[0].url(), "384");
+  EXPECT_EQ(table.rows[0].texts.url(), "384");
 }
 
 CASES(cache, input, 3, 4) {

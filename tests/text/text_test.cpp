@@ -29,8 +29,6 @@ CASES(text, text, 2, 4) {
   string& other = given[2];
   string out = "old";
   const bool any_case = given[3] == "any case";
-  const auto size = static_cast<uint32_t>(text.size());
-  const auto* bytes = reinterpret_cast<const uint8_t*>(text.data());
   if (name == "trim") return joined(zk::trim(text), text);
   if (name == "line_end") return joined(zk::strip_line_end(text), text);
   if (name == "drop_nuls") return joined(zk::drop_trailing_nuls(text), text);
@@ -39,10 +37,6 @@ CASES(text, text, 2, 4) {
   if (name == "equal") return joined(zk::equal_ignore_case(text, other), text, other);
   if (name == "first") return joined(zk::replace_first(text, other, "<>", any_case), text, other);
   if (name == "split") return joined(split_path(text, other, out), other, out);
-  if (name == "shown") {
-    const auto fill = static_cast<uint8_t>(given[3][0]);
-    return joined(zk::printable_text(out, bytes, size, other == "lines", fill), out);
-  }
   if (name == "number") {
     uint32_t read = 99;
     return joined(zk::read_number(text.c_str(), read), read);
@@ -105,12 +99,17 @@ TEST(Text, WhatTablesCannotSay) {
   EXPECT_EQ(zk::shadow_copy_prefix(true, false), "\\device\\harddiskvolumeshadowcopy");
 }
 
-// Blocks of characters are replaced at once, and the last may overlap: none is left out.
-TEST(Text, ReplaceCharsOfAnyLength) {
+// Blocks of characters are mapped at once, and the last may overlap: none is left out, and nothing
+// behind them is written.
+TEST(Text, MapCharsOfAnyLength) {
   for (size_t size = 0; size < 70; ++size) {
-    string text(size, 'a');
-    zk::replace_chars(text, [](char c) { return c == 'a' ? 'b' : c; });
-    EXPECT_EQ(text, string(size, 'b'));
+    string text, mapped, out(size + 1, '.');
+    for (size_t i = 0; i < size; ++i) {
+      text += static_cast<char>('0' + i);
+      mapped += static_cast<char>('1' + i);
+    }
+    EXPECT_EQ(zk::map_chars(out.data(), text, [](char c) { return ++c; }), out.data() + size);
+    EXPECT_EQ(out, mapped + '.');
   }
 }
 

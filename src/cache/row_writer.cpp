@@ -3,12 +3,20 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstring>
+
+#include "time/shown_fields.h"
 
 namespace {
 
-constexpr std::string_view utc_label = " UTC";
-constexpr std::string_view local_label = " local";
-constexpr size_t longest_pair = zk::longest_date + zk::longest_time + local_label.size();
+// What stands behind a time. Its text is copied whole, whatever its size.
+struct time_label {
+  std::array<char, 6> text;
+  size_t size;
+};
+constexpr time_label utc_label = {{' ', 'U', 'T', 'C'}, 4};
+constexpr time_label local_label = {{' ', 'l', 'o', 'c', 'a', 'l'}, 6};
+constexpr size_t longest_pair = zk::longest_date + zk::longest_time + sizeof(time_label::text);
 
 constexpr std::string_view carve_titles[] = {"note", "offset"};
 constexpr std::string_view titles[] = {
@@ -22,30 +30,54 @@ constexpr size_t longest_number = 10;
 constexpr size_t cells_behind_times = 8;
 constexpr size_t most_in_numbers = 4 + 2 * longest_number;
 
-// Writes one cell behind the other, where there is enough space for all of them.
-class cell_cursor {
- public:
-  cell_cursor(char* begin, std::string_view cell_separator)
-      : at(begin), separator(cell_separator) {}
-
-  void put(std::string_view text) { at = std::copy(text.begin(), text.end(), at); }
-  void put_number(uint32_t value) { at = std::to_chars(at, at + longest_number, value).ptr; }
-  void end_cell() {
-    if (separator.size() == 1) {
-      *at++ = separator[0];
-    } else {
-      put(separator);
-    }
-  }
-
-  char* at;
-
- private:
-  const std::string_view separator;
-};
-
 zk::dos_pair dos_words(uint32_t pair) {
   return {static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)};
+}
+
+char* put(char* at, std::string_view text) {
+  return std::copy(text.begin(), text.end(), at);
+}
+
+char* put_number(char* at, uint32_t value) {
+  return std::to_chars(at, at + longest_number, value).ptr;
+}
+
+// Writes a text that is mostly a single character.
+char* put_separator(char* at, std::string_view separator) {
+  if (separator.size() != 1) return put(at, separator);
+  *at = separator[0];
+  return at + 1;
+}
+
+// Writes both cells of a time. They are empty if it isn't shown.
+template <class Value>
+char* put_masked_pair(char* at, Value value, const time_label& label,
+                      const zk::masked_format& masks, std::string_view separator) {
+  zk::_windows_systemtime fields;
+  if (!zk::shown_fields(value, fields)) {
+    at = put_separator(at, separator);
+    return put_separator(at, separator);
+  }
+  char* const time_begin = put_separator(masks.put_date(at, fields), separator);
+  at = masks.put_time(time_begin, fields);
+  if (at != time_begin) {
+    std::memcpy(at, label.text.data(), label.text.size());
+    at += label.size;
+  }
+  return put_separator(at, separator);
+}
+
+// Calls `show` with the value of each time of a row, in the order of the columns, and its label.
+template <class Show>
+void for_each_time(const cache_row& row, Show show) {
+  show(row.last_mod, row.local_time ? local_label : utc_label);
+  if (row.access == 0 && row.is_leak()) {
+    show(dos_words(row.leak_access), utc_label);
+  } else {
+    show(row.access, utc_label);
+  }
+  show(dos_words(row.expires), utc_label);
+  show(dos_words(row.last_sync), utc_label);
 }
 
 }  // namespace
@@ -66,29 +98,13 @@ void row_writer::write_header_line() {
 void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
   line.clear();
   if (opts.carve_columns) append_carve_cells(row, number);
-  const auto times = times_of(row);
   if (opts.use_locale) {
-    append_locale_pairs(times);
+    append_locale_pairs(row);
   } else {
-    append_masked_pairs(times);
+    append_masked_pairs(row);
   }
   append_other_cells(table, row);
   end_line();
-}
-
-std::array<row_writer::shown_time, 4> row_writer::times_of(const cache_row& row) {
-  std::array<shown_time, 4> times;
-  const auto load = [](shown_time& t, auto value) { t.shown = zk::shown_fields(value, t.fields); };
-  load(times[0], row.last_mod);
-  times[0].is_local = row.local_time;
-  if (row.access == 0 && row.is_leak()) {
-    load(times[1], dos_words(row.leak_access));
-  } else {
-    load(times[1], row.access);
-  }
-  load(times[2], dos_words(row.expires));
-  load(times[3], dos_words(row.last_sync));
-  return times;
 }
 
 void row_writer::append_cell(std::string_view text) {
@@ -111,73 +127,55 @@ void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
 }
 
 void row_writer::append_other_cells(const record_table& table, const cache_row& row) {
+  const std::string_view separator = opts.csv_separator;
   const std::string_view directory = table.directory_of(row);
   const size_t texts = row.texts.size() + directory.size() + table.source.size();
-  const size_t most = texts + most_in_numbers + cells_behind_times * opts.csv_separator.size();
-  line.put(most, [&](char* begin) {
-    cell_cursor cells(begin, opts.csv_separator);
-    for (int shift = 0; shift < 32; shift += 8) {
-      *cells.at++ = static_cast<char>(row.signature >> shift);
-    }
-    cells.end_cell();
-    cells.put(row.texts.url());
-    cells.end_cell();
+  line.put(texts + most_in_numbers + cells_behind_times * separator.size(), [&](char* at) {
+    const auto end_cell = [separator](char* end) { return put_separator(end, separator); };
+    zk::store_le32(reinterpret_cast<uint8_t*>(at), row.signature);
+    at = end_cell(at + sizeof(row.signature));
+    at = end_cell(put(at, row.texts.url()));
     if (opts.verbose) {
-      cells.put(row.texts.user());
-      cells.end_cell();
-      cells.put(row.texts.filename());
-      cells.end_cell();
-      cells.put_number(row.file_size);
-      cells.end_cell();
-      cells.put(directory);
-      cells.end_cell();
-      cells.put_number(row.count);
-      cells.end_cell();
-      cells.put(row.texts.http_header());
-      cells.end_cell();
+      at = end_cell(put(at, row.texts.user()));
+      at = end_cell(put(at, row.texts.filename()));
+      at = end_cell(put_number(at, row.file_size));
+      at = end_cell(put(at, directory));
+      at = end_cell(put_number(at, row.count));
+      at = end_cell(put(at, row.texts.http_header()));
     } else {
-      for (int i = 0; i < verbose_cells; ++i) cells.end_cell();
+      for (int i = 0; i < verbose_cells; ++i) at = end_cell(at);
     }
-    cells.put(table.source);
-    return cells.at;
+    return put(at, table.source);
   });
 }
 
-void row_writer::append_masked_pairs(const std::array<shown_time, 4>& times) {
-  const size_t most = times.size() * (longest_pair + 2 * opts.csv_separator.size());
-  line.put(most, [&](char* begin) {
-    cell_cursor cells(begin, opts.csv_separator);
-    for (const shown_time& t : times) {
-      if (t.shown) cells.at = masks.put_date(cells.at, t.fields);
-      cells.end_cell();
-      const char* const time_begin = cells.at;
-      if (t.shown) cells.at = masks.put_time(cells.at, t.fields);
-      if (cells.at != time_begin) cells.put(t.is_local ? local_label : utc_label);
-      cells.end_cell();
-    }
-    return cells.at;
+void row_writer::append_masked_pairs(const cache_row& row) {
+  const std::string_view separator = opts.csv_separator;
+  line.put(4 * (longest_pair + 2 * separator.size()), [&](char* at) {
+    for_each_time(row, [&at, separator, this](auto value, const time_label& label) {
+      at = put_masked_pair(at, value, label, masks, separator);
+    });
+    return at;
   });
 }
 
-void row_writer::append_locale_pairs(const std::array<shown_time, 4>& times) {
-  for (const shown_time& t : times) {
-    zk::time value;
-    value.fields = t.fields;
-    value.valid = t.shown;
+void row_writer::append_locale_pairs(const cache_row& row) {
+  for_each_time(row, [&](auto value, const time_label& label) {
+    zk::time t;
+    t.valid = zk::shown_fields(value, t.fields);
     std::string date;
     std::string time;
-    zk::format_default(date, time, value, true, false, &*opts.dates, false);
+    zk::format_default(date, time, t, true, false, &*opts.dates, false);
     append_cell(date);
     line.put(time);
-    append_cell(!t.shown ? "" : t.is_local ? local_label : utc_label);
-  }
+    append_cell(t.valid ? std::string_view(label.text.data(), label.size) : "");
+  });
 }
 
 void row_writer::end_line() {
   line.put('\n');
   // What `write` and `flush` do, with the stream's state looked at once for both.
-  const std::ostream::sentry usable(out);
-  if (!usable) return;
+  if (!out.good()) return;
   std::streambuf& buffer = *out.rdbuf();
   const auto size = static_cast<std::streamsize>(line.size());
   if (buffer.sputn(line.text().data(), size) != size || buffer.pubsync() == -1) {

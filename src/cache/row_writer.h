@@ -3,7 +3,6 @@
 // made, and that is fixed to the comma.
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <ostream>
 #include <string_view>
@@ -12,7 +11,6 @@
 #include "front/opts/cmd_opts.h"
 #include "text/text_line.h"
 #include "time/time_format.h"
-#include "time/zk_time.h"
 
 // Serves the rows of one input. The stream and the options are borrowed. Each line is composed in
 // one reused text and handed to the stream whole, which is then flushed. A failing stream isn't
@@ -28,19 +26,11 @@ class row_writer {
   void write_row(const record_table& table, const cache_row& row, uint64_t number);
 
  private:
-  // A time as its two cells show it: both are empty if it isn't shown.
-  struct shown_time {
-    zk::_windows_systemtime fields;
-    bool shown = false;
-    bool is_local = false;
-  };
-  static std::array<shown_time, 4> times_of(const cache_row& row);
-
   void append_cell(std::string_view text);
   void append_carve_cells(const cache_row& row, uint64_t number);
   void append_other_cells(const record_table& table, const cache_row& row);
-  void append_masked_pairs(const std::array<shown_time, 4>& times);
-  void append_locale_pairs(const std::array<shown_time, 4>& times);
+  void append_masked_pairs(const cache_row& row);
+  void append_locale_pairs(const cache_row& row);
   void end_line();
 
   std::ostream& out;

@@ -18,27 +18,6 @@ namespace {
 constexpr size_t none = std::string::npos;
 constexpr size_t most_fraction_digits = 9;
 
-// Write a value in decimal, in exactly so many digits, and return the place behind them.
-char* put_digits(char* at, uint32_t value, size_t width) {
-  for (size_t i = width; i-- > 0; value /= 10) at[i] = static_cast<char>('0' + value % 10);
-  return at + width;
-}
-
-// "00" to "99", one behind the other.
-constexpr std::array<char, 200> make_two_digits() {
-  std::array<char, 200> digits = {};
-  for (size_t i = 0; i < digits.size(); ++i) {
-    digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
-  }
-  return digits;
-}
-constexpr auto two_digits = make_two_digits();
-
-// Two digits of a value below 100.
-char* put_two(char* at, uint32_t value) {
-  return std::copy_n(&two_digits[size_t{2} * value], 2, at);
-}
-
 template <class... Numbers>
 std::string print(const char* format, Numbers... numbers) {
   std::array<char, 30> buffer;
@@ -129,42 +108,11 @@ void masked_format::lay_out_date(char separator, bool year_first, bool day_first
   }
 }
 
-char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
-  if (date_size == 0) return at;
-  std::memcpy(at, date_form.data(), date_form.size());
-  const uint32_t century = fields.year / 100U;
-  if (!two_digit_year) put_two(at + century_at, century);
-  put_two(at + year_at, fields.year - 100 * century);
-  if (month_name) {
-    month_abbreviation(fields.month).copy(at + month_at, 3);
-  } else {
-    put_two(at + month_at, fields.month);
-  }
-  put_two(at + day_at, fields.day);
-  return at + date_size;
-}
-
-char* masked_format::put_time(char* at, const _windows_systemtime& fields) const {
-  if (hour_minute) {
-    at = put_two(at, fields.hour);
-    *at++ = ':';
-    at = put_two(at, fields.minute);
-  }
-  if (second) {
-    *at++ = ':';
-    at = put_two(at, fields.second);
-  }
-  if (fraction_digits != 0) {
-    *at++ = '.';
-    const uint32_t tenths = fields.millisecond / 100U;
-    *at++ = static_cast<char>('0' + tenths);
-    at = put_two(at, fields.millisecond - 100 * tenths);
-    if (fraction_digits > 3) {
-      const auto rest = static_cast<uint32_t>(fields.nanosecond % 1000000);
-      at = put_digits(at, rest / fraction_unit, fraction_digits - 3);
-    }
-  }
-  return at;
+char* masked_format::put_beyond_milliseconds(char* at, uint64_t nanosecond) const {
+  auto rest = static_cast<uint32_t>(nanosecond % 1000000) / fraction_unit;
+  const size_t digits = fraction_digits - 3;
+  for (size_t i = digits; i-- > 0; rest /= 10) at[i] = static_cast<char>('0' + rest % 10);
+  return at + digits;
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,

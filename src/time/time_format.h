@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <locale>
 #include <optional>
 #include <string>
@@ -17,6 +18,24 @@ namespace zk {
 // The longest texts that masks give, in bytes.
 inline constexpr size_t longest_date = 12;  // "mmm", "dd,", "yyyy" and two separators
 inline constexpr size_t longest_time = 18;  // "hh:mm", ":ss", "." and nine digits
+
+// "Jan" to "Dec" for 1 to 12, else empty. English at all times.
+std::string_view month_abbreviation(int month);
+
+// "00" to "99", one behind the other.
+inline constexpr std::array<char, 200> two_digits = [] {
+  std::array<char, 200> digits = {};
+  for (size_t i = 0; i < digits.size(); ++i) {
+    digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
+  }
+  return digits;
+}();
+
+// Writes two digits of a value below 100.
+inline char* put_two_digits(char* at, uint32_t value) {
+  std::memcpy(at, &two_digits[size_t{2} * value], 2);
+  return at + 2;
+}
 
 // A date mask and a time mask, read once and then applied to any number of times.
 //
@@ -37,6 +56,7 @@ class masked_format {
 
  private:
   void lay_out_date(char separator, bool year_first, bool day_first, bool comma);
+  char* put_beyond_milliseconds(char* at, uint64_t nanosecond) const;
 
   // Date: its text without the digits, and the places of its parts.
   std::array<char, longest_date> date_form = {};
@@ -53,6 +73,41 @@ class masked_format {
   size_t fraction_digits = 0;  // 0 for none
   uint32_t fraction_unit = 1;  // nanoseconds in the last of them
 };
+
+inline char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
+  if (date_size == 0) return at;
+  std::memcpy(at, date_form.data(), date_form.size());
+  const uint32_t century = fields.year / 100U;
+  put_two_digits(at + century_at, century);  // where the year has two digits, they overwrite these
+  put_two_digits(at + year_at, fields.year - 100 * century);
+  if (month_name) {
+    std::memcpy(at + month_at, month_abbreviation(fields.month).data(), 3);
+  } else {
+    put_two_digits(at + month_at, fields.month);
+  }
+  put_two_digits(at + day_at, fields.day);
+  return at + date_size;
+}
+
+inline char* masked_format::put_time(char* at, const _windows_systemtime& fields) const {
+  if (hour_minute) {
+    at = put_two_digits(at, fields.hour);
+    *at++ = ':';
+    at = put_two_digits(at, fields.minute);
+  }
+  if (second) {
+    *at++ = ':';
+    at = put_two_digits(at, fields.second);
+  }
+  if (fraction_digits != 0) {
+    *at++ = '.';
+    const uint32_t tenths = fields.millisecond / 100U;
+    *at++ = static_cast<char>('0' + tenths);
+    at = put_two_digits(at, fields.millisecond - 100 * tenths);
+    if (fraction_digits > 3) at = put_beyond_milliseconds(at, fields.nanosecond);
+  }
+  return at;
+}
 
 // Writes both texts by the masks. The result is the `valid` flag of `t`.
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,
@@ -83,8 +138,5 @@ class locale_dates {
 // it). The time has milliseconds with `with_fraction`, nanoseconds with both flags.
 void format_default(std::string& date_out, std::string& time_out, const time& t, bool with_fraction,
                     bool short_year, const locale_dates* dates, bool nanoseconds);
-
-// "Jan" to "Dec" for 1 to 12, else empty. English at all times.
-std::string_view month_abbreviation(int month);
 
 }  // namespace zk

@@ -2,93 +2,24 @@
 
 #include <sys/time.h>
 
-#include <algorithm>
+#include "time/shown_fields.h"
 
 namespace zk {
 namespace {
 
-constexpr int64_t day_seconds = 86400;
 constexpr int64_t days_1601_to_1970 = 134774;
 constexpr int64_t first_refused_year = 3001;  // for local time
-constexpr int last_valid_year = 3000;
-constexpr int first_valid_year = 1900;
 
-// The last zero-based day of the year in each month, behind a leading -1.
-constexpr int last_day_common[] = {-1, 30, 58, 89, 119, 150, 180, 211, 242, 272, 303, 333, 364};
-constexpr int last_day_leap[] = {-1, 30, 59, 90, 120, 151, 181, 212, 243, 273, 304, 334, 365};
-
-constexpr bool is_leap(int64_t year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
-
-constexpr int64_t leap_days_through(int64_t year) {
-  return year / 4 - year / 100 + year / 400;
+constexpr uint16_t cut16(int64_t value) {
+  return static_cast<uint16_t>(value);
 }
 
 bool top_bit_set(uint64_t ft) {
   return ft >> 63 != 0;
 }
 
-// A date as its year, its month from 1, and its day of the year and of the month.
-struct calendar_date {
-  int32_t year;
-  int32_t month;
-  int32_t day_of_year;  // from 0
-  int32_t day;
-};
-
-// The date so many days after 1601-01-01. Good to the year 3100.
-calendar_date date_of(int32_t days) {
-  // Count 365-day years, then take back the leap days that went by.
-  int32_t year = days / 365 + 1600;
-  const auto leap_days = static_cast<int32_t>(leap_days_through(year) - leap_days_through(1600));
-  int32_t rest = days % 365 - leap_days;
-  if (rest < 0) {
-    rest += is_leap(year) ? 366 : 365;
-  } else {
-    ++year;
-  }
-  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
-  int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
-  if (month < 12 && rest > last_day[month]) ++month;
-  return {year, month, rest, rest - last_day[month - 1]};
-}
-
-constexpr uint16_t cut16(int64_t value) {
-  return static_cast<uint16_t>(value);
-}
-
 uint64_t unix_to_filetime(uint64_t seconds) {
   return seconds * ticks_per_second + unix_epoch_filetime;
-}
-
-void set_date(_windows_systemtime& fields, const calendar_date& date) {
-  fields.year = cut16(date.year);
-  fields.month = cut16(date.month);
-  fields.day = cut16(date.day);
-}
-
-// Sets what shown_fields gives, of a FILETIME whose top bit isn't set.
-void set_shown_fields(_windows_systemtime& fields, uint64_t ft) {
-  const uint64_t seconds = ft / ticks_per_second;
-  const auto fraction = static_cast<uint32_t>(ft % ticks_per_second);
-  const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
-  set_date(fields, date_of(static_cast<int32_t>(seconds / day_seconds)));
-  fields.hour = cut16(of_day / 3600);
-  fields.minute = cut16(of_day / 60 % 60);
-  fields.second = cut16(of_day % 60);
-  fields.millisecond = cut16(fraction / 10000);
-  fields.nanosecond = fraction * 100ULL;
-}
-
-// Whether the instant of these fields may be shown.
-bool is_shown(uint64_t ft, const _windows_systemtime& fields) {
-  const uint64_t since_1970 = ft - unix_epoch_filetime;
-  if (fields.year < first_valid_year || since_1970 < ticks_per_second) return false;
-  if (fields.year <= last_valid_year) return true;
-  // Past the last year only one that is not over by local time is left.
-  std::tm local;
-  return unix_to_local_tm(static_cast<int64_t>(since_1970 / ticks_per_second), local);
 }
 
 bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
@@ -100,16 +31,15 @@ bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
   return true;
 }
 
-// False if a part is out of its range. Any day from 1 to 31 is in it.
-bool dos_to_tm(dos_pair pair, std::tm& tm) {
-  tm.tm_mday = pair.date & 31;
-  tm.tm_mon = ((pair.date >> 5) & 15) - 1;
-  tm.tm_year = (pair.date >> 9) + 80;
-  tm.tm_sec = (pair.time & 31) * 2;
-  tm.tm_min = (pair.time >> 5) & 63;
-  tm.tm_hour = pair.time >> 11;
-  if (tm.tm_mday == 0 || tm.tm_mon < 0 || tm.tm_mon > 11) return false;
-  return tm.tm_sec <= 59 && tm.tm_min <= 59 && tm.tm_hour <= 23;
+std::tm calendar_tm(const _windows_systemtime& fields) {
+  std::tm tm = {};
+  tm.tm_year = fields.year - 1900;
+  tm.tm_mon = fields.month - 1;
+  tm.tm_mday = fields.day;
+  tm.tm_hour = fields.hour;
+  tm.tm_min = fields.minute;
+  tm.tm_sec = fields.second;
+  return tm;
 }
 
 // The days from 1601-01-01 to a date, by the rule of tm_to_filetime.
@@ -152,8 +82,8 @@ void time::set_now() {
 
 void time::set_dos(dos_pair pair, bool is_utc) {
   clear();
-  std::tm tm = {};
-  if (dos_to_tm(pair, tm)) set_tm(tm, 0, is_utc);
+  _windows_systemtime as_it_stands;
+  if (set_fields(as_it_stands, pair)) set_tm(calendar_tm(as_it_stands), 0, is_utc);
 }
 
 bool time::set_tm(std::tm tm, int milliseconds, bool is_utc) {
@@ -178,7 +108,7 @@ bool time::derive_from_filetime(uint64_t ft) {
   filetime_to_systemtime(ft, fields);
   filetime_copy = ft;
   fields_to_dos(fields, dos_stamp);
-  valid = is_shown(ft, fields);
+  valid = is_shown(ft);
   return valid;
 }
 
@@ -191,34 +121,19 @@ bool filetime_to_unix(uint64_t ft, uint64_t& seconds) {
 bool filetime_to_systemtime(uint64_t ft, _windows_systemtime& fields) {
   fields = {};
   if (top_bit_set(ft)) return false;
-  set_shown_fields(fields, ft);
+  set_fields(fields, ft);
   fields.day_of_week = cut16(static_cast<int64_t>(ft / ticks_per_second / day_seconds + 1) % 7);
   fields.microsecond = fields.nanosecond / 1000;
   fields.picosecond = fields.nanosecond * 1000;
   return true;
 }
 
-bool shown_fields(uint64_t ft, _windows_systemtime& fields) {
-  if (top_bit_set(ft)) return false;
-  set_shown_fields(fields, ft);
-  return is_shown(ft, fields);
-}
-
-bool shown_fields(dos_pair pair, _windows_systemtime& fields) {
-  std::tm tm;
-  if (!dos_to_tm(pair, tm)) return false;
-  if (tm.tm_mday <= 28 && tm.tm_year != 100) {
-    // In every month, and not in the year 2000: the date is what its days would give.
-    set_date(fields, {tm.tm_year + 1900, tm.tm_mon + 1, 0, tm.tm_mday});
-  } else {
-    set_date(fields, date_of(static_cast<int32_t>(days_to(tm))));
-  }
-  fields.hour = cut16(tm.tm_hour);
-  fields.minute = cut16(tm.tm_min);
-  fields.second = cut16(tm.tm_sec);
-  fields.millisecond = 0;
-  fields.nanosecond = 0;
-  return true;
+calendar_date normalized_dos_date(calendar_date date) {
+  std::tm tm = {};
+  tm.tm_year = date.year - 1900;
+  tm.tm_mon = date.month - 1;
+  tm.tm_mday = date.day;
+  return date_of(static_cast<int32_t>(days_to(tm)));
 }
 
 bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
@@ -243,13 +158,7 @@ uint64_t tm_to_filetime(std::tm& fields, int milliseconds) {
 }
 
 void systemtime_to_filetime(const _windows_systemtime& fields, uint64_t& ft) {
-  std::tm tm = {};
-  tm.tm_year = fields.year - 1900;
-  tm.tm_mon = fields.month - 1;
-  tm.tm_mday = fields.day;
-  tm.tm_hour = fields.hour;
-  tm.tm_min = fields.minute;
-  tm.tm_sec = fields.second;
+  std::tm tm = calendar_tm(fields);
   ft = tm_to_filetime(tm, fields.millisecond);
 }
 

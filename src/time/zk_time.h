@@ -88,12 +88,6 @@ bool filetime_to_unix(uint64_t ft, uint64_t& seconds);
 // The calendar fields; all zero, and false, if the top bit of `ft` is set. Good to the year 3100.
 bool filetime_to_systemtime(uint64_t ft, _windows_systemtime& fields);
 
-// Those fields of an instant that masks print: all but the day of the week, the microseconds and
-// the picoseconds, which aren't written. False, with no field to be read, where a `time` that the
-// value is loaded into isn't valid.
-bool shown_fields(uint64_t ft, _windows_systemtime& fields);
-bool shown_fields(dos_pair pair, _windows_systemtime& fields);
-
 // The DOS pair, its seconds rounded up to even without a carry. False, with `pair` unchanged,
 // outside 1980 to 2037.
 bool filetime_to_dos(uint64_t ft, dos_pair& pair);

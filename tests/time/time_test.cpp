@@ -3,6 +3,7 @@
 
 #include "tests/support/check_cases.h"
 #include "time/date_format_context.h"
+#include "time/shown_fields.h"
 #include "time/time_format.h"
 #include "time/time_parse.h"
 #include "tools/index_builder.h"

@@ -1,0 +1,120 @@
+// The calendar fields of the times that rows show. Inline, since every row has four of them.
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <ctime>
+
+#include "time/zk_time.h"
+
+namespace zk {
+
+inline constexpr uint32_t day_seconds = 86400;
+
+constexpr bool is_leap(int64_t year) {
+  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+}
+
+constexpr int64_t leap_days_through(int64_t year) {
+  return year / 4 - year / 100 + year / 400;
+}
+
+// The last zero-based day of the year in each month, behind a leading -1.
+inline constexpr int last_day_common[] = {-1,  30,  58,  89,  119, 150, 180,
+                                          211, 242, 272, 303, 333, 364};
+inline constexpr int last_day_leap[] = {-1,  30,  59,  90,  120, 151, 181,
+                                        212, 243, 273, 304, 334, 365};
+
+// A date as its year, its month from 1, and its day of the year and of the month.
+struct calendar_date {
+  int32_t year;
+  int32_t month;
+  int32_t day_of_year;  // from 0
+  int32_t day;
+};
+
+// The date so many days after 1601-01-01. Good to the year 3100.
+constexpr calendar_date date_of(int32_t days) {
+  // Count 365-day years, then take back the leap days that went by.
+  int32_t year = days / 365 + 1600;
+  const auto leap_days = static_cast<int32_t>(leap_days_through(year) - leap_days_through(1600));
+  int32_t rest = days % 365 - leap_days;
+  if (rest < 0) {
+    rest += is_leap(year) ? 366 : 365;
+  } else {
+    ++year;
+  }
+  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
+  int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
+  if (month < 12 && rest > last_day[month]) ++month;
+  return {year, month, rest, rest - last_day[month - 1]};
+}
+
+// Sets those fields that masks print: all but the day of the week, the microseconds and the
+// picoseconds.
+inline void set_fields(_windows_systemtime& fields, uint64_t ft) {
+  const uint64_t seconds = ft / ticks_per_second;
+  const auto ticks = static_cast<uint32_t>(ft % ticks_per_second);
+  const calendar_date date = date_of(static_cast<int32_t>(seconds / day_seconds));
+  const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
+  fields.year = static_cast<uint16_t>(date.year);
+  fields.month = static_cast<uint16_t>(date.month);
+  fields.day = static_cast<uint16_t>(date.day);
+  fields.hour = static_cast<uint16_t>(of_day / 3600);
+  fields.minute = static_cast<uint16_t>(of_day / 60 % 60);
+  fields.second = static_cast<uint16_t>(of_day % 60);
+  fields.millisecond = static_cast<uint16_t>(ticks / 10000);
+  fields.nanosecond = ticks * 100ULL;
+}
+
+// The same of a DOS pair, as it stands. False if a part is out of its range. Any day from 1 to 31
+// is in it.
+inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
+  fields.year = static_cast<uint16_t>((pair.date >> 9) + 1980);
+  fields.month = pair.date >> 5 & 15;
+  fields.day = pair.date & 31;
+  fields.hour = pair.time >> 11;
+  fields.minute = pair.time >> 5 & 63;
+  fields.second = static_cast<uint16_t>((pair.time & 31) * 2);
+  fields.millisecond = 0;
+  fields.nanosecond = 0;
+  if (fields.day == 0 || fields.month == 0 || fields.month > 12) return false;
+  return fields.second <= 59 && fields.minute <= 59 && fields.hour <= 23;
+}
+
+// Whether a `time` that the value is loaded into is valid.
+inline bool is_shown(uint64_t ft) {
+  constexpr uint64_t year_1900 = ntp_epoch_filetime;
+  constexpr uint64_t year_3001 = 441796896000000000;
+  if (ft - unix_epoch_filetime < ticks_per_second) return false;
+  if (ft - year_1900 < year_3001 - year_1900) return true;
+  // In 3001 only one that is not over by local time is left.
+  std::tm local;
+  return ft >= year_3001 && ft >> 63 == 0 &&
+         unix_to_local_tm(static_cast<int64_t>((ft - unix_epoch_filetime) / ticks_per_second),
+                          local);
+}
+
+// The date that a DOS pair's stands for: a day past the end of its month runs on into the next. The
+// year stays.
+// Deliberate: March to December 2000 come out one day early, see tm_to_filetime.
+calendar_date normalized_dos_date(calendar_date date);
+
+// The fields that masks print. False, with no field to be read, where a `time` that the value is
+// loaded into isn't valid.
+inline bool shown_fields(uint64_t ft, _windows_systemtime& fields) {
+  if (!is_shown(ft)) return false;
+  set_fields(fields, ft);
+  return true;
+}
+inline bool shown_fields(dos_pair pair, _windows_systemtime& fields) {
+  if (!set_fields(fields, pair)) return false;
+  if (fields.day > 28 || fields.year == 2000) {
+    const calendar_date date = normalized_dos_date({fields.year, fields.month, 0, fields.day});
+    fields.month = static_cast<uint16_t>(date.month);
+    fields.day = static_cast<uint16_t>(date.day);
+  }
+  return true;
+}
+
+}  // namespace zk

@@ -148,7 +148,7 @@ CASES(time, tm, 2) {
 TEST(Time, ShownFieldsOfEveryDosWord) {
   for (uint32_t word = 0; word < 0x10000; ++word) {
     const auto each = static_cast<uint16_t>(word);
-    for (const zk::dos_pair pair : {zk::dos_pair{each, 0x6789}, zk::dos_pair{0x5AFF, each}}) {
+    for (const zk::dos_pair pair : {zk::dos_pair{each, 0x6769}, zk::dos_pair{0x5AFF, each}}) {
       zk::time t;
       t.set_dos(pair, true);
       check_shown_fields(t, pair);

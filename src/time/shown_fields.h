@@ -86,13 +86,12 @@ inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
 inline bool is_shown(uint64_t ft) {
   constexpr uint64_t year_1900 = ntp_epoch_filetime;
   constexpr uint64_t year_3001 = 441796896000000000;
-  if (ft - unix_epoch_filetime < ticks_per_second) return false;
+  const uint64_t since_1970 = ft - unix_epoch_filetime;  // very large ahead of it
+  if (since_1970 < ticks_per_second) return false;
   if (ft - year_1900 < year_3001 - year_1900) return true;
-  // In 3001 only one that is not over by local time is left.
+  // All others are refused, but those in 3001 that local time still counts to 3000.
   std::tm local;
-  return ft >= year_3001 && ft >> 63 == 0 &&
-         unix_to_local_tm(static_cast<int64_t>((ft - unix_epoch_filetime) / ticks_per_second),
-                          local);
+  return unix_to_local_tm(static_cast<int64_t>(since_1970 / ticks_per_second), local);
 }
 
 // The date that a DOS pair's stands for: a day past the end of its month runs on into the next. The

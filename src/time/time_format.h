@@ -23,13 +23,14 @@ inline constexpr size_t longest_time = 18;  // "hh:mm", ":ss", "." and nine digi
 std::string_view month_abbreviation(int month);
 
 // "00" to "99", one behind the other.
-inline constexpr std::array<char, 200> two_digits = [] {
+constexpr std::array<char, 200> make_two_digits() {
   std::array<char, 200> digits = {};
   for (size_t i = 0; i < digits.size(); ++i) {
     digits[i] = static_cast<char>('0' + (i % 2 == 0 ? i / 20 : i / 2 % 10));
   }
   return digits;
-}();
+}
+inline constexpr auto two_digits = make_two_digits();
 
 // Writes two digits of a value below 100.
 inline char* put_two_digits(char* at, uint32_t value) {

@@ -109,7 +109,7 @@ void masked_format::lay_out_date(char separator, bool year_first, bool day_first
 }
 
 char* masked_format::put_beyond_milliseconds(char* at, uint64_t nanosecond) const {
-  auto rest = static_cast<uint32_t>(nanosecond % 1000000) / fraction_unit;
+  auto rest = static_cast<uint32_t>(nanosecond) / fraction_unit;
   const size_t digits = fraction_digits - 3;
   for (size_t i = digits; i-- > 0; rest /= 10) at[i] = static_cast<char>('0' + rest % 10);
   return at + digits;

@@ -35,4 +35,32 @@ CASES(cache, form, 4, any_number) {
   return in_words(lines_of(index_text_builder(c, 3), opts, true));
 }
 
+// Space for several cells is taken at once. Separators may need most of it, and texts none.
+TEST(Row, ShowsSeparatorsOfAnyLength) {
+  const index_text_builder bytes({"url u", "name_at=0", "last_mod=0x1c3cffa32f20000"});
+  cmd_opts opts;
+  const std::string usual = lines_of(bytes, opts);
+  opts.csv_separator = std::string(99, '+');
+  EXPECT_EQ(lines_of(bytes, opts), replaced(usual, ",", opts.csv_separator));
+}
+
+// Takes all but the second line.
+struct failing_once : std::stringbuf {
+  std::streamsize xsputn(const char* text, std::streamsize count) override {
+    return ++lines == 2 ? 0 : std::stringbuf::xsputn(text, count);
+  }
+  int lines = 0;
+};
+
+TEST(Row, NoneFollowsOneThatCouldNotBeWritten) {
+  const cmd_opts opts;
+  record_table table(opts);
+  failing_once buffer;
+  std::ostream out(&buffer);
+  row_writer writer(out, opts);
+  for (int i = 0; i < 3; ++i) writer.write_row(table, {}, 1);
+  EXPECT_EQ(buffer.lines, 2);
+  EXPECT_TRUE(out.bad());
+}
+
 }  // namespace

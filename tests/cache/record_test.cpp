@@ -6,14 +6,13 @@
 
 namespace {
 
-// The texts of a record as its row shows them, a header of more than 99 characters by its size.
-std::string texts_of(const url_record& record) {
-  std::string space(record.texts_size(), '?');
+// The texts of a record as its row shows them, good until the next one's.
+record_texts shown_texts(const auto& record, size_t size) {
+  static std::string space;
+  space.assign(size, '?');
   record_texts texts;
   put_clean_texts(texts, space.data(), record);
-  const std::string header(texts.http_header());
-  return joined(texts.url(), texts.filename(), texts.user(),
-                header.size() > 99 ? std::to_string(header.size()) : header);
+  return texts;
 }
 
 // Both decode into a record that the case before has used.
@@ -24,7 +23,10 @@ CASES(cache, url_record, 2, any_number) {
   const bool accepted = decode_url_record(record, bytes.data(), offset, bytes.size(), 1);
   EXPECT_EQ(record.offset, static_cast<uint32_t>(offset));
   const char* const state[] = {"none", "refused", "accepted"};
-  return joined(state[accepted + record.valid], texts_of(record));
+  const auto texts = shown_texts(record, record.texts_size());
+  const std::string header(texts.http_header());
+  return joined(state[accepted + record.valid], texts.url(), texts.filename(), texts.user(),
+                header.size() > 99 ? std::to_string(header.size()) : header);
 }
 
 CASES(cache, redr_record, 2, any_number) {
@@ -34,15 +36,7 @@ CASES(cache, redr_record, 2, any_number) {
   const bool accepted = decode_redr_record(record, bytes.data(), offset, bytes.size());
   EXPECT_EQ(accepted, record.valid);
   EXPECT_EQ(record.offset, accepted ? offset : 0);
-  std::string space(record.url.size(), '?');
-  record_texts texts;
-  put_clean_texts(texts, space.data(), record);
-  return joined(accepted, texts.url());
-}
-
-TEST(UrlRecord, NullIsNothing) {
-  url_record record;
-  EXPECT_FALSE(decode_url_record(record, nullptr, 0, 200, 1));
+  return joined(accepted, shown_texts(record, record.url.size()).url());
 }
 
 }  // namespace

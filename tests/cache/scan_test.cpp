@@ -29,6 +29,7 @@ TEST(Scan, TellsWhatItMet) {
     EXPECT_EQ(find_next_record(noise.data(), size), found) << size;
   }
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
+  EXPECT_FALSE(decode_url_record(table.decoded_url, nullptr, 0, 200, 1));
 }
 
 // The next block begins at 256, so that its search begins at 384.
@@ -37,10 +38,8 @@ TEST(Table, GivesWhatIsFinalAndNoMore) {
   record_table table(opts);
   table.take_final = [](const cache_row& row) { EXPECT_EQ(row.texts.url(), "383"); };
   for (const uint64_t offset : {385, 383, 384}) {
-    redr_record record;
-    const std::string url = std::to_string(offset);
-    record.url = url;
-    row_from_redr(*table.add(offset), record, opts, table.text_space(url.size()));
+    byte_vector bytes = record::redr(std::to_string(offset)).bytes();
+    add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), offset);
   }
   table.next_block_at(256);
   EXPECT_EQ(table.rows.size(), 2U);

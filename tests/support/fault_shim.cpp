@@ -51,7 +51,7 @@ ssize_t pread(int fd, void* buffer, size_t count, off_t offset) {
 int statfs(const char* path, struct statfs* facts) {
   off_t type = 0;
   const auto result = static_cast<int>(syscall(SYS_statfs, path, facts));
-  if (given("FAULT_SYSTEM", type)) facts->f_type = type;
+  if (given("FAULT_SYSTEM", type)) facts->f_type = static_cast<decltype(facts->f_type)>(type);
   return result;
 }
 

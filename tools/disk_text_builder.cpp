@@ -33,20 +33,20 @@ std::vector<uint8_t> vmdk_from_text(const strings& inputs, size_t first) {
   for (size_t i = first + 2; i < inputs.size(); ++i) {
     const strings change = cells(inputs[i], '=');
     if (change.size() == 1) {
-      made.resize(number(change[0]));
+      made.resize(number<size_t>(change[0]));
     } else {
-      zk::store_le32(&made.at(number(change[0])), number32(change[1]));
+      zk::store_le32(&made.at(number<size_t>(change[0])), number32(change[1]));
     }
   }
   return made;
 }
 
 std::vector<uint8_t> boot_records_from_text(const strings& inputs, size_t first) {
-  std::vector<uint8_t> disk(number(inputs[first]));
+  std::vector<uint8_t> disk(number<size_t>(inputs[first]));
   for (size_t i = first + 1; i < inputs.size(); ++i) {
     const strings words = cells(inputs[i], ' ');
-    const uint64_t at = number(words[0]);
-    disk.resize(std::max<uint64_t>(disk.size(), at + mbr_layout::size));
+    const auto at = number<size_t>(words[0]);
+    disk.resize(std::max(disk.size(), at + mbr_layout::size));
     uint8_t* const record = &disk[at];
     uint8_t* entry = record + mbr_layout::entries;
     for (size_t n = 1; n < words.size(); ++n) entry = put_word(record, entry, words[n]);

@@ -51,21 +51,21 @@ byte_vector random_index_builder::next_record() {
   return built.bytes();
 }
 
-void random_index_builder::fill(uint64_t at, uint64_t end, uint64_t skew) {
+void random_index_builder::fill(size_t at, size_t end, size_t skew) {
   while (at < end) {
-    const uint64_t place = at + (!once_in(15) ? 0 : skew != 0 ? skew : 4 + pick(120));
+    const size_t place = at + (!once_in(15) ? 0 : skew != 0 ? skew : 4 + pick(120));
     const byte_vector added = next_record();
-    bytes.resize(std::max<uint64_t>(bytes.size(), (place + added.size() + 127) / 128 * 128));
+    bytes.resize(std::max(bytes.size(), (place + added.size() + 127) / 128 * 128));
     std::copy(added.begin(), added.end(), &bytes[place]);
-    at = once_in(6) ? place + 128 + uint64_t{pick(added.size() / 128)} * 128 : bytes.size();
+    at = once_in(6) ? place + 128 + size_t{pick(added.size() / 128)} * 128 : bytes.size();
     if (once_in(8)) {
-      at = bytes.size() + (uint64_t{1} + pick(8)) * 128;
+      at = bytes.size() + (size_t{1} + pick(8)) * 128;
       bytes.resize(at, one_of({uint8_t{0}, uint8_t{'x'}}));
     }
   }
 }
 
-void random_index_builder::fill_index(uint64_t end) {
+void random_index_builder::fill_index(size_t end) {
   random.seed(seed);
   std::vector<std::string> directories(pick(6));
   for (std::string& name : directories)
@@ -74,8 +74,8 @@ void random_index_builder::fill_index(uint64_t end) {
   if (once_in(5)) bytes.clear();
   fill(bytes.empty() ? 0 : 8192, end);
   for (uint32_t flips = once_in(3) ? pick(40) : 0; flips > 0; --flips) {
-    const uint64_t block = once_in(9) ? 0 : pick(bytes.size() / 128);
-    const uint64_t at = pick(60);
+    const size_t block = once_in(9) ? 0 : pick(bytes.size() / 128);
+    const size_t at = pick(60);
     uint8_t& damaged = bytes[block * 128 + (at < 8 ? at : at + 20)];
     damaged = static_cast<uint8_t>(damaged ^ 1 << pick(8));
   }

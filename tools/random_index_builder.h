@@ -1,6 +1,7 @@
 // Builds random indexes, some of them damaged, the same for the same seed.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <initializer_list>
 #include <random>
@@ -16,11 +17,11 @@ struct random_index_builder {
 
   // An index, or records from the very first block on, with damage that leaves the times alone. It
   // takes about `end` bytes.
-  void fill_index(uint64_t end);
+  void fill_index(size_t end);
 
   // Lays records down from `at` to `end`, the last perhaps beyond it: on the grid or off it, by
   // `skew` or anyhow, some inside the one before, with noise between.
-  void fill(uint64_t at, uint64_t end, uint64_t skew = 0);
+  void fill(size_t at, size_t end, size_t skew = 0);
 
   // A number below `n`, a chance, and a choice.
   uint32_t pick(uint64_t n) { return static_cast<uint32_t>(random() % n); }

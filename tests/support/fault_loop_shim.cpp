@@ -64,14 +64,23 @@ bool allocation_fails() {
   return !sparing && fails("allocation", ENOMEM);
 }
 
+// The C library's own function of a name. Where files of any size need other functions, the name in
+// the library isn't the one in the source.
+template <class Function>
+Function* next_after(Function* own) {
+  Dl_info found;
+  if (dladdr(reinterpret_cast<void*>(own), &found) == 0) std::abort();
+  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, found.dli_sname));
+}
+
 }  // namespace
 
 // A function that gives `failure`, or what the C library's own one gives. What a failing close
 // has to close is left open.
-#define FAULTY(result, name, parameters, arguments, failure, error)                           \
-  result name parameters {                                                                    \
-    static const auto real = reinterpret_cast<result(*) parameters>(dlsym(RTLD_NEXT, #name)); \
-    return fails(#name, error) ? failure : real arguments;                                    \
+#define FAULTY(result, name, parameters, arguments, failure, error) \
+  result name parameters {                                          \
+    static const auto real = next_after<result parameters>(name);   \
+    return fails(#name, error) ? failure : real arguments;          \
   }
 
 extern "C" {

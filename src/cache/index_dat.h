@@ -62,7 +62,7 @@ struct hash_block {
   std::array<uint8_t, hash_layout::header_size> fixed = {};
   bool parsed = false;
   std::vector<hash_entry> entries;
-  std::vector<url_record> url_records;
+  std::vector<url_record> url_records;  // the texts of these stay in the file's bytes
   std::vector<redr_record> redr_records;
 };
 
@@ -80,7 +80,7 @@ struct cache_container {
   std::array<uint8_t, index_layout::header_size> header = {};
   std::vector<std::string> directories;  // in table order, each of 8 bytes, NULs included
   bool parsed = false;                   // the header's signature was right
-  // What follows is filled by walk_hash_chain alone.
+  // What follows is filled by walk_hash_chain alone. Texts of records stay in the file's bytes.
   std::vector<hash_block> hash_blocks;  // in the chain's order
   std::map<uint64_t, hash_range> occupied;
   std::vector<url_record> gap_urls;

@@ -24,7 +24,7 @@ struct record_table {
   // pointer is good until the next row is added.
   cache_row* add(uint64_t offset);
 
-  // Space for a new row's texts.
+  // Space for a row's texts, good until rows leave. Throws std::bad_alloc.
   char* text_space(size_t size) { return static_cast<char*>(arena->memory.allocate(size, 1)); }
 
   // Tells that all later blocks begin at `position` or behind it. The rows ahead of the first place

@@ -1,4 +1,4 @@
-// The texts of a record, as a decoder leaves them and its row shows them.
+// The texts of a record as its row shows them.
 #pragma once
 
 #include <cstddef>

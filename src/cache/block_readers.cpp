@@ -47,22 +47,18 @@ bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& 
     if (position % static_cast<int64_t>(progress_every) == 0) show_percent_done(position, total);
     const auto base = static_cast<uint64_t>(position);
     uint32_t count = raw_read_size;
-    if (stretches.all_zeros(base, count)) {
-      // Zeros hold no record, so they are neither read nor searched.
-      buffer_is_old = true;
-      position -= overlap;
-    } else {
-      // A short read leaves the rest of the buffer as it was, and that is searched too. Behind a
-      // hole, which wasn't read, it must be zeros.
-      if (buffer_is_old) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
-      buffer_is_old = false;
-      if (disk.read(buffer.data(), count, position)) {
-        if (count < overlap) overlap = 0;
-        scan_buffer(table, opts, buffer.data(), count, base, overlap);
-        position -= overlap;
-      }
-    }
+    // Zeros hold no record, so they are neither read nor searched.
+    const bool zeros = stretches.all_zeros(base, count);
+    // A short read leaves the rest of the buffer as it was, and that is searched too. Behind a
+    // hole, which wasn't read, it must be zeros.
+    if (!zeros && buffer_is_old) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
+    buffer_is_old = zeros;
+    const bool read = !zeros && disk.read(buffer.data(), count, position);
+    if (read && count < overlap) overlap = 0;
+    if (zeros || read) position -= overlap;
     table.next_block_at(static_cast<uint64_t>(position) + raw_read_size);
+    if (read) scan_buffer(table, opts, buffer.data(), count, base, overlap);
+    table.end_block();
   }
   uni::message("success\n");
   return true;
@@ -81,10 +77,11 @@ bool scan_large_file(record_table& table, const cmd_opts& opts) {
   const uni::fileio file(opts.input_path);
   if (!file.is_open()) return false;
   const auto scan_chunk = [&](const file_block& block) {
+    table.next_block_at(block.position + block.size - block.overlap);
     if (!block.zeros) {
       scan_buffer(table, opts, block.bytes, block.size, block.position, block.overlap);
     }
-    table.next_block_at(block.position + block.size - block.overlap);
+    table.end_block();
     if (opts.show_progress && block.position % progress_every == 0) {
       show_percent(block.position, file.size());
     }

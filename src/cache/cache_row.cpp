@@ -20,10 +20,11 @@ uint32_t dos_field(const url_record& record, uint32_t at) {
   return (value & 0xFFFF) == unset_dos_date ? 0 : value;
 }
 
-// Deliberate: a colon at byte 17 doesn't pass. The test runs on the cleaned URL, where a comma has
-// become a semicolon.
+// Deliberate: a colon at byte 17 doesn't pass. The test is of the URL as it is shown, where a comma
+// has become a semicolon.
 bool has_local_time_prefix(std::string_view url) {
-  return url.size() > 19 && url[0] == ':' && url[17] == ';' && url[18] == ' ';
+  return url.size() > 19 && url[0] == ':' && shown_char(url[17]) == ';' &&
+         shown_char(url[18]) == ' ';
 }
 
 }  // namespace
@@ -37,11 +38,11 @@ std::string source_name(const cmd_opts& opts) {
   return source;
 }
 
-void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts, char* texts) {
-  put_clean_texts(row.texts, texts, record);
+void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts) {
+  row.texts = {record.url, record.user, record.filename, record.http_header};
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
-  row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(row.texts.url());
+  row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(record.url);
   row.file_size = record.field32(url_layout::file_size);
   row.flags = record.field32(url_layout::flags);
   const uint32_t count = record.field32(url_layout::count);
@@ -55,8 +56,9 @@ void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts
   row.valid = record.valid;
 }
 
-void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts, char* texts) {
-  put_clean_texts(row.texts, texts, record);
+void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts) {
+  row = {};
+  row.texts = {record.url, {}, {}, {}};
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
   row.valid = record.valid;

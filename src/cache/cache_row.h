@@ -10,8 +10,8 @@
 #include "cache/url_record.h"
 #include "front/opts/cmd_opts.h"
 
-// Its texts stand in the table that it belongs to, so that a row takes no memory of its own beyond
-// its size.
+// Its texts are those of the record, in the bytes of the input or in the memory of the table that
+// keeps the row.
 struct cache_row {
   uint64_t offset = ~0ULL;
   uint64_t last_mod = 0;  // FILETIME, 0 for none
@@ -34,13 +34,13 @@ struct cache_row {
 };
 
 // A run can hold millions of them.
-static_assert(sizeof(cache_row) <= 80);
+static_assert(sizeof(cache_row) <= 104);
 
 // The input's name as the rows show it: the path, the partition with ":\" behind it, or the disk
 // files joined by "; ".
 std::string source_name(const cmd_opts& opts);
 
-// Fill a new row from a record, and `texts`, which has space for them, with its texts. Fields that
-// were never set, as their fill patterns show, stay 0.
-void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts, char* texts);
-void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts, char* texts);
+// Fill a row, but for its offset, from a record, whose texts it shares. Fields that were never set,
+// as their fill patterns show, become 0.
+void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts);
+void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts);

@@ -1,36 +1,44 @@
 #include "cache/record_table.h"
 
-#include <algorithm>
 #include <iterator>
 
 #include "cache/record_signature.h"
 
-cache_row* record_table::add(uint64_t offset) {
-  // Rows mostly come in ascending order; only blocks that overlap bring earlier ones, near the end.
+void record_table::add(const cache_row& row) {
+  // Only blocks that overlap bring rows ahead of others, or again.
+  if (!rows.empty() && rows.back().offset >= row.offset) return insert(row);
+  release_final();
+  if (rows.empty() && is_final(row)) return take_final(row);
+  keep_texts(rows.emplace_back(row));
+}
+
+void record_table::insert(const cache_row& row) {
   auto place = rows.end();
-  while (place != rows.begin() && std::prev(place)->offset >= offset) --place;
-  if (place != rows.end() && place->offset == offset) return nullptr;
-  cache_row& row = place == rows.end() ? rows.emplace_back() : *rows.emplace(place);
-  row.offset = offset;
-  return &row;
+  while (place != rows.begin() && std::prev(place)->offset >= row.offset) --place;
+  if (place->offset != row.offset) keep_texts(*rows.insert(place, row));
 }
 
 void record_table::next_block_at(uint64_t position) {
-  if (rows.empty() || !take_final) return;
   // A block's search begins at its second place on the grid.
-  const uint64_t first_open = position + block_size;
-  if (rows.front().offset >= first_open) return;
-  for (; !rows.empty() && rows.front().offset < first_open; rows.pop_front()) {
-    take_final(rows.front());
-  }
+  if (take_final) first_open = position + block_size;
+}
+
+void record_table::end_block() {
+  release_final();
+  if (!take_final) return;
   text_arena& left = *arena;
   arena = arena == &arenas[0] ? &arenas[1] : &arenas[0];
-  for (cache_row& row : rows) {
-    char* const space = text_space(row.texts.size());
-    std::copy_n(row.texts.begin, row.texts.size(), space);
-    row.texts.begin = space;
-  }
+  for (cache_row& row : rows) keep_texts(row);
   left.memory.release();
+}
+
+void record_table::release_final() {
+  for (; !rows.empty() && is_final(rows.front()); rows.pop_front()) take_final(rows.front());
+}
+
+// Copies the texts to the table's memory.
+void record_table::keep_texts(cache_row& row) {
+  row.texts.move_to(static_cast<char*>(arena->memory.allocate(row.texts.size(), 1)));
 }
 
 std::string_view record_table::directory_of(const cache_row& row) const {

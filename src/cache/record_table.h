@@ -1,6 +1,7 @@
 // The rows of one input that aren't written yet, in ascending offset, and the memory in which their
 // texts stand. The table is a window that moves over the input: rows come in as blocks are searched
-// and, where `take_final` is set, leave as soon as they are final.
+// and, where `take_final` is set, leave as soon as they are final. Most are so at once, and aren't
+// kept at all.
 #pragma once
 
 #include <array>
@@ -20,17 +21,17 @@ struct record_table {
   record_table(const record_table&) = delete;
   record_table& operator=(const record_table&) = delete;
 
-  // A new row under the offset, or null where one is already: the first that came stays. The
-  // pointer is good until the next row is added.
-  cache_row* add(uint64_t offset);
+  // Takes a row whose texts may be gone after the call. The first one under an offset stays, others
+  // are dropped. Throws std::bad_alloc.
+  void add(const cache_row& row);
 
-  // Space for a row's texts, good until rows leave. Throws std::bad_alloc.
-  char* text_space(size_t size) { return static_cast<char*>(arena->memory.allocate(size, 1)); }
-
-  // Tells that all later blocks begin at `position` or behind it. The rows ahead of the first place
-  // that such a block can search are final: none can come ahead of them or under their offsets any
-  // more. They go to `take_final` and leave the table. Without a `take_final` they stay.
+  // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. With
+  // a `take_final`, a row ahead of the first place that they can search is final once the search of
+  // this block is past it: none can come ahead of it or under its offset any more.
   void next_block_at(uint64_t position);
+
+  // Tells that the block's search has ended: all of its rows that can be final are.
+  void end_block();
 
   // The row's cache directory, empty where its index lies past the last one.
   std::string_view directory_of(const cache_row& row) const;
@@ -42,10 +43,19 @@ struct record_table {
   // The candidate that is being decoded, here so that none is made for each.
   url_record decoded_url;
   redr_record decoded_redr;
+  cache_row decoded_row;
 
  private:
-  // When rows leave, the texts of the few that stay are copied to the other arena, and this one is
-  // emptied at once. Its first texts stand in `first`, so that a small input takes no more memory.
+  bool is_final(const cache_row& row) const { return row.offset < first_open; }
+  void release_final();
+  void insert(const cache_row& row);
+  void keep_texts(cache_row& row);
+
+  uint64_t first_open = 0;  // the first place that later blocks can search
+
+  // At the end of a block, the texts of the few rows that stay are copied to the other arena, and
+  // this one is emptied at once. Its first texts stand in `first`, so that a small input takes no
+  // more memory.
   struct text_arena {
     std::array<char, 8192> first;
     std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};

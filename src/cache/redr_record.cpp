@@ -18,9 +18,3 @@ bool decode_redr_record(redr_record& record, const uint8_t* bytes, uint64_t offs
   record.offset = static_cast<uint32_t>(offset);
   return true;
 }
-
-void put_clean_texts(record_texts& texts, char* space, const redr_record& record) {
-  texts.begin = space;
-  texts.sizes = {static_cast<uint32_t>(record.url.size())};
-  zk::map_chars(space, record.url, [](char c) { return c == ',' ? '_' : c; });
-}

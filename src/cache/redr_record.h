@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <string_view>
 
-#include "cache/record_texts.h"
 #include "text/le_bytes.h"
 
 namespace redr_layout {
@@ -30,11 +29,6 @@ struct redr_record {
   uint32_t signature() const { return zk::load_le32(fixed.data()); }
   uint32_t block_count() const { return zk::load_le32(&fixed[redr_layout::block_count]); }
 };
-
-// Sets `texts` to the URL as rows show it, in `space` of its size.
-// Deliberate: a comma becomes an underscore, not a semicolon as in URL records, and line ends
-// inside the URL stay.
-void put_clean_texts(record_texts& texts, char* space, const redr_record& record);
 
 // Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read.
 // False if there is none. An empty URL is accepted.

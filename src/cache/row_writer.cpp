@@ -134,14 +134,15 @@ void row_writer::append_other_cells(const record_table& table, const cache_row& 
     const auto end_cell = [separator](char* end) { return put_separator(end, separator); };
     zk::store_le32(reinterpret_cast<uint8_t*>(at), row.signature);
     at = end_cell(at + sizeof(row.signature));
-    at = end_cell(put(at, row.texts.url()));
+    const auto put_url = row.is_redirect() ? put_shown_redirect : put_shown;
+    at = end_cell(put_url(at, row.texts.url()));
     if (opts.verbose) {
       at = end_cell(put(at, row.texts.user()));
-      at = end_cell(put(at, row.texts.filename()));
+      at = end_cell(put_shown(at, row.texts.filename()));
       at = end_cell(put_number(at, row.file_size));
       at = end_cell(put(at, directory));
       at = end_cell(put_number(at, row.count));
-      at = end_cell(put(at, row.texts.http_header()));
+      at = end_cell(put_shown_header(at, row.texts.http_header()));
     } else {
       for (int i = 0; i < verbose_cells; ++i) at = end_cell(at);
     }

@@ -37,29 +37,6 @@ std::string_view trimmed_header(std::string_view text) {
   return text;
 }
 
-// The value, or 0. A mask, since a choice makes for longer vector code.
-constexpr uint8_t only_if(bool condition, uint8_t value) {
-  return static_cast<uint8_t>(-static_cast<uint8_t>(condition)) & value;
-}
-
-// Copies a URL or a file name to `out` as rows show it, and returns the place behind it.
-char* clean_text(char* out, std::string_view text) {
-  return zk::map_chars(out, text, [](char c) {
-    const int change = only_if(c == ',', ';' - ',') | only_if(c == '\n', ';' - '\n') |
-                       only_if(c == '\r', ' ' - '\r');
-    return static_cast<char>(c + change);
-  });
-}
-
-// The same for a header text.
-char* clean_header_text(char* out, std::string_view text) {
-  return zk::map_chars(out, text, [](char c) {
-    const auto above_blank = static_cast<uint8_t>(c - ' ');
-    const uint8_t kept = only_if(above_blank <= '~' - ' ', above_blank);
-    return static_cast<char>(' ' + kept + only_if(kept == ',' - ' ', ';' - ','));
-  });
-}
-
 // False if the record has no usable URL offset. `whole` tells whether the URL fits the room.
 bool find_url(url_record& record, const record_bytes& bytes, bool& whole) {
   const uint32_t at = record.field32(url_layout::url_offset);
@@ -126,15 +103,4 @@ bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint
     record.filename = zk::trimmed(own.string_at(at));
   }
   return !whole || find_header(record, own);
-}
-
-void put_clean_texts(record_texts& texts, char* space, const url_record& record) {
-  const auto size = [](std::string_view text) { return static_cast<uint32_t>(text.size()); };
-  texts.begin = space;
-  texts.sizes = {size(record.url), size(record.filename), size(record.user),
-                 size(record.http_header)};
-  space = clean_text(space, record.url);
-  space = clean_text(space, record.filename);
-  space = std::copy(record.user.begin(), record.user.end(), space);
-  clean_header_text(space, record.http_header);
 }

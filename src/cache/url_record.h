@@ -13,11 +13,9 @@
 #pragma once
 
 #include <array>
-#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
-#include "cache/record_texts.h"
 #include "text/le_bytes.h"
 
 namespace url_layout {
@@ -54,9 +52,6 @@ struct url_record {
   uint64_t field64(uint32_t at) const { return zk::load_le64(&fixed[at]); }
   uint32_t signature() const { return field32(0); }
   uint32_t block_count() const { return field32(url_layout::block_count); }
-  size_t texts_size() const {
-    return url.size() + filename.size() + user.size() + http_header.size();
-  }
 };
 
 // Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read; no
@@ -66,8 +61,3 @@ struct url_record {
 // to end there, while `record` keeps the file's own.
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t flag);
-
-// Sets `texts` to the record's as rows show them, in `space` of `texts_size` bytes: in the URL and
-// the file name commas and LF become semicolons and CR a blank; in the header commas become
-// semicolons, and all but printable ASCII blanks.
-void put_clean_texts(record_texts& texts, char* space, const url_record& record);

@@ -1,4 +1,5 @@
 // The decoders, each bound on both sides.
+#include "cache/record_texts.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
 #include "tests/support/check_cases.h"
@@ -6,13 +7,11 @@
 
 namespace {
 
-// The texts of a record as its row shows them, good until the next one's.
-record_texts shown_texts(const auto& record, size_t size) {
-  static std::string space;
-  space.assign(size, '?');
-  record_texts texts;
-  put_clean_texts(texts, space.data(), record);
-  return texts;
+// A text as rows show it.
+std::string as_shown(char* (*put)(char*, std::string_view), std::string_view text) {
+  std::string shown(text.size(), '?');
+  EXPECT_EQ(put(shown.data(), text), shown.data() + shown.size());
+  return shown;
 }
 
 // Both decode into a record that the case before has used.
@@ -23,9 +22,9 @@ CASES(cache, url_record, 2, any_number) {
   const bool accepted = decode_url_record(record, bytes.data(), offset, bytes.size(), 1);
   EXPECT_EQ(record.offset, static_cast<uint32_t>(offset));
   const char* const state[] = {"none", "refused", "accepted"};
-  const auto texts = shown_texts(record, record.texts_size());
-  const std::string header(texts.http_header());
-  return joined(state[accepted + record.valid], texts.url(), texts.filename(), texts.user(),
+  const std::string header = as_shown(put_shown_header, record.http_header);
+  return joined(state[accepted + record.valid], as_shown(put_shown, record.url),
+                as_shown(put_shown, record.filename), record.user,
                 header.size() > 99 ? std::to_string(header.size()) : header);
 }
 
@@ -36,7 +35,7 @@ CASES(cache, redr_record, 2, any_number) {
   const bool accepted = decode_redr_record(record, bytes.data(), offset, bytes.size());
   EXPECT_EQ(accepted, record.valid);
   EXPECT_EQ(record.offset, accepted ? offset : 0);
-  return joined(accepted, shown_texts(record, record.url.size()).url());
+  return joined(accepted, as_shown(put_shown_redirect, record.url));
 }
 
 }  // namespace

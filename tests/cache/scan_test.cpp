@@ -32,19 +32,27 @@ TEST(Scan, TellsWhatItMet) {
   EXPECT_FALSE(decode_url_record(table.decoded_url, nullptr, 0, 200, 1));
 }
 
-// The next block begins at 256, so that its search begins at 384.
+// A block that begins at 256 is searched from 384 on.
 TEST(Table, GivesWhatIsFinalAndNoMore) {
   const cmd_opts opts;
   record_table table(opts);
-  table.take_final = [](const cache_row& row) { EXPECT_EQ(row.texts.url(), "383"); };
-  for (const uint64_t offset : {385, 383, 384}) {
-    byte_vector bytes = record::redr(std::to_string(offset)).bytes();
-    add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), offset);
-  }
+  std::string given;
+  table.take_final = [&](const cache_row& row) { given += std::string(row.texts.url()) + " "; };
+  const auto add = [&](std::initializer_list<uint64_t> offsets) {
+    for (const uint64_t offset : offsets) {
+      byte_vector bytes = record::redr(std::to_string(offset)).bytes();
+      add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), offset);
+    }
+  };
+  add({385, 383, 384});
   table.next_block_at(256);
-  EXPECT_EQ(table.rows.size(), 2U);
-  EXPECT_EQ(table.add(384), nullptr);
-  EXPECT_EQ(table.rows[0].texts.url(), "384");
+  EXPECT_EQ(given, "");
+  table.end_block();
+  EXPECT_EQ(given, "383 ");
+  table.next_block_at(512);
+  add({384, 386, 639, 640});
+  EXPECT_EQ(given, "383 384 385 386 639 ");
+  EXPECT_EQ(table.rows.size(), 1U);
 }
 
 CASES(cache, input, 3, 4) {

@@ -18,6 +18,12 @@ void record_table::insert(const cache_row& row) {
   if (place->offset != row.offset) keep_texts(*rows.insert(place, row));
 }
 
+bool record_table::holds(uint64_t offset) const {
+  auto place = rows.end();
+  while (place != rows.begin() && std::prev(place)->offset > offset) --place;
+  return place != rows.begin() && std::prev(place)->offset == offset;
+}
+
 void record_table::next_block_at(uint64_t position) {
   // A block's search begins at its second place on the grid.
   if (take_final) first_open = position + block_size;

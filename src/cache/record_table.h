@@ -25,6 +25,9 @@ struct record_table {
   // are dropped. Throws std::bad_alloc.
   void add(const cache_row& row);
 
+  // Whether a row under the offset is kept.
+  bool holds(uint64_t offset) const;
+
   // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. With
   // a `take_final`, a row ahead of the first place that they can search is final once the search of
   // this block is past it: none can come ahead of it or under its offset any more.

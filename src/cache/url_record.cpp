@@ -21,12 +21,8 @@ struct record_bytes {
   std::string_view string_at(uint32_t at) const { return zk::bounded_string(begin + at, end); }
 };
 
-// Finds the room, and corrects the block count where another record ends it.
-record_bytes bytes_of_record(uint8_t* begin, uint32_t limit) {
-  const uint32_t next = find_next_record(begin, limit);
-  if (next == no_record) return {begin, begin + limit, limit};
-  zk::store_le32(begin + url_layout::block_count, next / block_size);
-  return {begin, begin + limit, next};
+bool is_url_record(const uint8_t* bytes, uint32_t limit) {
+  return limit >= url_layout::fixed_size && is_url_or_leak(zk::load_le32(bytes));
 }
 
 // A header text without what isn't shown at both ends.
@@ -79,22 +75,34 @@ bool find_header(url_record& record, const record_bytes& bytes) {
 
 }  // namespace
 
+void correct_block_count(uint8_t* bytes, uint32_t limit, uint32_t next) {
+  if (next == no_record || !is_url_record(bytes, limit)) return;
+  zk::store_le32(bytes + url_layout::block_count, next / block_size);
+}
+
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t /*flag*/) {
-  record.url = record.filename = record.user = record.http_header = {};
+  const bool inside = bytes && offset <= limit;
+  uint8_t* const begin = inside ? bytes + offset : nullptr;
+  const uint32_t left = inside ? limit - static_cast<uint32_t>(offset) : 0;
+  const bool accepted = decode_url_at(record, begin, left, find_next_record(begin, left));
   record.offset = static_cast<uint32_t>(offset);
+  return accepted;
+}
+
+bool decode_url_at(url_record& record, uint8_t* bytes, uint32_t limit, uint32_t next) {
+  record.url = record.filename = record.user = record.http_header = {};
+  record.offset = 0;
   record.in_gap = false;
-  const uint32_t size = url_layout::fixed_size;
-  const bool fits = bytes && limit >= size && offset <= limit - size;
-  record.valid = fits && is_url_or_leak(zk::load_le32(bytes + offset));
+  record.valid = is_url_record(bytes, limit);
   if (!record.valid) {
     record.fixed = {};
     return false;
   }
-  uint8_t* const begin = bytes + offset;
-  std::memcpy(record.fixed.data(), begin, size);
+  std::memcpy(record.fixed.data(), bytes, url_layout::fixed_size);
+  correct_block_count(bytes, limit, next);
 
-  const record_bytes own = bytes_of_record(begin, limit - static_cast<uint32_t>(offset));
+  const record_bytes own = {bytes, bytes + limit, next == no_record ? limit : next};
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.
   bool whole = false;
   if (record.signature() == url_signature && !find_url(record, own, whole)) return false;

@@ -12,7 +12,7 @@ namespace zk {
 inline constexpr uint32_t day_seconds = 86400;
 
 constexpr bool is_leap(int64_t year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
+  return year % (year % 100 == 0 ? 16 : 4) == 0;
 }
 
 constexpr int64_t leap_days_through(int64_t year) {
@@ -33,20 +33,19 @@ struct calendar_date {
   int32_t day;
 };
 
-// The date so many days after 1601-01-01. Good to the year 3100.
+// The date so many days after 1601-01-01. Good to the year 3100. It makes no choices, since dates
+// at random would have the processor guess most of them wrong.
 constexpr calendar_date date_of(int32_t days) {
   // Count 365-day years, then take back the leap days that went by.
-  int32_t year = days / 365 + 1600;
-  const auto leap_days = static_cast<int32_t>(leap_days_through(year) - leap_days_through(1600));
-  int32_t rest = days % 365 - leap_days;
-  if (rest < 0) {
-    rest += is_leap(year) ? 366 : 365;
-  } else {
-    ++year;
-  }
-  const auto& last_day = is_leap(year) ? last_day_leap : last_day_common;
+  const int32_t years = days / 365;
+  const int32_t ahead = days % 365 - static_cast<int32_t>(leap_days_through(years));
+  const int32_t back = ahead >> 31;  // -1 where they reach into the year before, else 0
+  const int32_t year = 1601 + years + back;
+  const bool leap = is_leap(year);
+  const int32_t rest = ahead + (back & (365 + leap));
+  const auto& last_day = leap ? last_day_leap : last_day_common;
   int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
-  if (month < 12 && rest > last_day[month]) ++month;
+  month += static_cast<int32_t>(month < 12) & static_cast<int32_t>(rest > last_day[month]);
   return {year, month, rest, rest - last_day[month - 1]};
 }
 

@@ -35,6 +35,7 @@ class row_writer {
 
   std::ostream& out;
   const cmd_opts& opts;
-  const zk::masked_format masks;
+  const zk::masked_format utc_format;
+  const zk::masked_format local_format;
   zk::text_line line;
 };

@@ -49,70 +49,93 @@ std::optional<std::locale> make_locale(const std::string& name) {
 
 }  // namespace
 
-masked_format::masked_format(const std::string& date_mask, const std::string& time_mask) {
-  const size_t year_found = date_mask.find("yy");
-  const size_t month_found = date_mask.find("mm");
-  const size_t day_found = date_mask.find("dd");
-  const size_t name_found = date_mask.find("mmm");
+masked_format::masked_format(const std::string& date_mask, const std::string& time_mask,
+                             std::string_view separator, std::string_view label) {
+  place.fill(none);
+  if (!date_mask.empty()) lay_out_date(date_mask);
+  date_end = form.size();
+  form += separator;
+  const size_t time_begin = form.size();
+  lay_out_time(time_mask);
+  if (form.size() != time_begin) form += label;
+  form += separator;
+  size = form.size();
+  for (size_t& each : place) each = std::min(each, size);
+  form.resize(std::max(size, usual_size));
+}
+
+void masked_format::lay_out_date(const std::string& mask) {
+  const size_t year_found = mask.find("yy");
+  const size_t month_found = mask.find("mm");
+  const size_t day_found = mask.find("dd");
+  const size_t name_found = mask.find("mmm");
   month_name = name_found != none;
-  two_digit_year = year_found != none && date_mask.find("yyyy") == none;
+  const bool two_digit_year = year_found != none && mask.find("yyyy") == none;
   char separator = '/';
   for (const char candidate : {' ', '-', '/'}) {
-    if (date_mask.find(candidate) != none) separator = candidate;
+    if (mask.find(candidate) != none) separator = candidate;
   }
   const bool comma = separator == ' ' && day_found > (month_name ? name_found : month_found) &&
-                     date_mask.find(',', day_found) != none;
+                     mask.find(',', day_found) != none;
   const bool complete = year_found != none && month_found != none && day_found != none;
   if (!complete) separator = '/';
-  if (!date_mask.empty()) {
-    lay_out_date(separator, complete && year_found == 0, complete && month_found >= day_found,
-                 complete && comma);
-  }
+  const bool year_first = complete && year_found == 0;
+  const bool day_first = complete && month_found >= day_found;
 
-  hour_minute = time_mask.find("hh:mm") != none;
-  second = time_mask.find("ss") != none;
-  if (const size_t fraction_at = time_mask.find("xxx"); fraction_at != none) {
-    const size_t digits = time_mask.rfind('x') - fraction_at + 1;
-    fraction_digits = digits > most_fraction_digits ? 0 : digits;
-    for (size_t i = digits; i < most_fraction_digits; ++i) fraction_unit *= 10;
-  }
-}
-
-void masked_format::lay_out_date(char separator, bool year_first, bool day_first, bool comma) {
-  const auto place = [this](size_t width) {
-    date_size += width;
-    return date_size - width;
-  };
-  const auto put = [this](char c) { date_form[date_size++] = c; };
-  const auto place_year = [&] {
-    century_at = two_digit_year ? date_size : place(2);
-    year_at = place(2);
+  const auto lay_out_year = [&] {
+    lay_out(century, two_digit_year ? 0 : 2);
+    lay_out(year, 2);
   };
   if (year_first) {
-    place_year();
-    put(separator);
+    lay_out_year();
+    form += separator;
   }
   if (day_first) {
-    day_at = place(2);
-    put(separator);
+    lay_out(day, 2);
+    form += separator;
   }
-  month_at = place(month_name ? 3 : 2);
+  lay_out(month, month_name ? 3 : 2);
   if (!day_first) {
-    put(separator);
-    day_at = place(2);
-    if (comma) put(',');
+    form += separator;
+    lay_out(day, 2);
+    if (complete && comma) form += ',';
   }
   if (!year_first) {
-    put(separator);
-    place_year();
+    form += separator;
+    lay_out_year();
   }
 }
 
-char* masked_format::put_beyond_milliseconds(char* at, uint64_t nanosecond) const {
+void masked_format::lay_out_time(const std::string& mask) {
+  if (mask.find("hh:mm") != none) {
+    lay_out(hour, 2);
+    form += ':';
+    lay_out(minute, 2);
+  }
+  if (mask.find("ss") != none) {
+    form += ':';
+    lay_out(second, 2);
+  }
+  const size_t found = mask.find("xxx");
+  if (found == none) return;
+  const size_t digits = mask.rfind('x') - found + 1;
+  if (digits > most_fraction_digits) return;
+  fraction_digits = digits;
+  for (size_t i = digits; i < most_fraction_digits; ++i) fraction_unit *= 10;
+  form += '.';
+  lay_out(fraction, digits);
+}
+
+void masked_format::lay_out(part which, size_t width) {
+  place[which] = form.size();
+  form.append(width, ' ');
+}
+
+void masked_format::put_beyond_milliseconds(char* at, uint64_t nanosecond) const {
   auto rest = static_cast<uint32_t>(nanosecond) / fraction_unit;
-  const size_t digits = fraction_digits - 3;
-  for (size_t i = digits; i-- > 0; rest /= 10) at[i] = static_cast<char>('0' + rest % 10);
-  return at + digits;
+  for (size_t i = fraction_digits - 3; i-- > 0; rest /= 10) {
+    at[i] = static_cast<char>('0' + rest % 10);
+  }
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,
@@ -121,9 +144,10 @@ bool format_masked(std::string& date_out, std::string& time_out, const time& t,
   time_out.clear();
   if (!t.valid) return false;
   const masked_format format(date_mask, time_mask);
-  std::array<char, std::max(longest_date, longest_time)> text;
-  date_out.assign(text.data(), format.put_date(text.data(), t.fields));
-  time_out.assign(text.data(), format.put_time(text.data(), t.fields));
+  std::string text(format.space(), ' ');
+  text.resize(static_cast<size_t>(format.put(text.data(), t.fields) - text.data()));
+  date_out = text.substr(0, format.date_size());
+  time_out = text.substr(format.date_size());
   return true;
 }
 

@@ -15,10 +15,6 @@
 
 namespace zk {
 
-// The longest texts that masks give, in bytes.
-inline constexpr size_t longest_date = 12;  // "mmm", "dd,", "yyyy" and two separators
-inline constexpr size_t longest_time = 18;  // "hh:mm", ":ss", "." and nine digits
-
 // "Jan" to "Dec" for 1 to 12, else empty. English at all times.
 std::string_view month_abbreviation(int month);
 
@@ -33,9 +29,8 @@ constexpr std::array<char, 200> make_two_digits() {
 inline constexpr auto two_digits = make_two_digits();
 
 // Writes two digits of a value below 100.
-inline char* put_two_digits(char* at, uint32_t value) {
+inline void put_two_digits(char* at, uint32_t value) {
   std::memcpy(at, &two_digits[size_t{2} * value], 2);
-  return at + 2;
 }
 
 // A date mask and a time mask, read once and then applied to any number of times.
@@ -45,69 +40,61 @@ inline char* put_two_digits(char* at, uint32_t value) {
 // whether the year leads; without all three parts the date is month/day/year. With the separator
 // " ", a "," at or behind "dd" puts a comma behind the day. A time mask holds "hh:mm", "ss" and
 // "xxx", a fraction with as many digits as lie from its first "x" to the mask's last. All else in
-// a mask is ignored.
+// a mask is ignored, and an empty one gives no text.
 class masked_format {
  public:
-  masked_format(const std::string& date_mask, const std::string& time_mask);
+  // A separator will follow the date and the time of day, and a label any time that isn't empty.
+  masked_format(const std::string& date_mask, const std::string& time_mask,
+                std::string_view separator = {}, std::string_view label = {});
 
-  // Write the date or the time of day of a valid time at `at`, where the longest must fit, and
-  // return the place behind it. An empty mask writes nothing.
-  char* put_date(char* at, const _windows_systemtime& fields) const;
-  char* put_time(char* at, const _windows_systemtime& fields) const;
+  // Writes a valid time at `at`, where there must be `space` bytes, and returns the place behind
+  // the text.
+  char* put(char* at, const _windows_systemtime& fields) const;
+  size_t space() const { return form.size() + widest_part; }
+
+  size_t date_size() const { return date_end; }  // in bytes, without the separator
 
  private:
-  void lay_out_date(char separator, bool year_first, bool day_first, bool comma);
-  char* put_beyond_milliseconds(char* at, uint64_t nanosecond) const;
+  enum part { century, year, month, day, hour, minute, second, fraction, parts };
+  static constexpr size_t usual_size = 32;    // which is copied at once
+  static constexpr size_t widest_part = 3;
 
-  // Date: its text without the digits, and the places of its parts.
-  std::array<char, longest_date> date_form = {};
-  size_t date_size = 0;
-  size_t century_at = 0;
-  size_t year_at = 0;  // its last two digits
-  size_t month_at = 0;
-  size_t day_at = 0;
+  void lay_out_date(const std::string& mask);
+  void lay_out_time(const std::string& mask);
+  void lay_out(part which, size_t width);
+  void put_beyond_milliseconds(char* at, uint64_t nanosecond) const;
+
+  // The text with gaps for its parts, of which each has a place. One that isn't shown is written
+  // behind the text.
+  std::string form;  // no smaller than `usual_size`
+  size_t size = 0;
+  size_t date_end = 0;
+  std::array<size_t, parts> place = {};
   bool month_name = false;
-  bool two_digit_year = false;
-  // Time.
-  bool hour_minute = false;
-  bool second = false;
   size_t fraction_digits = 0;  // 0 for none
   uint32_t fraction_unit = 1;  // nanoseconds in the last of them
 };
 
-inline char* masked_format::put_date(char* at, const _windows_systemtime& fields) const {
-  if (date_size == 0) return at;
-  std::memcpy(at, date_form.data(), date_form.size());
-  const uint32_t century = fields.year / 100U;
-  put_two_digits(at + century_at, century);  // where the year has two digits, they overwrite these
-  put_two_digits(at + year_at, fields.year - 100 * century);
+inline char* masked_format::put(char* at, const _windows_systemtime& fields) const {
+  std::memcpy(at, form.data(), usual_size);
+  if (size > usual_size) std::memcpy(at + usual_size, &form[usual_size], size - usual_size);
+  const uint32_t hundreds = fields.year / 100U;
+  put_two_digits(at + place[century], hundreds);  // a year of two digits overwrites these
+  put_two_digits(at + place[year], fields.year - 100 * hundreds);
   if (month_name) {
-    std::memcpy(at + month_at, month_abbreviation(fields.month).data(), 3);
+    std::memcpy(at + place[month], month_abbreviation(fields.month).data(), 3);
   } else {
-    put_two_digits(at + month_at, fields.month);
+    put_two_digits(at + place[month], fields.month);
   }
-  put_two_digits(at + day_at, fields.day);
-  return at + date_size;
-}
-
-inline char* masked_format::put_time(char* at, const _windows_systemtime& fields) const {
-  if (hour_minute) {
-    at = put_two_digits(at, fields.hour);
-    *at++ = ':';
-    at = put_two_digits(at, fields.minute);
-  }
-  if (second) {
-    *at++ = ':';
-    at = put_two_digits(at, fields.second);
-  }
-  if (fraction_digits != 0) {
-    *at++ = '.';
-    const uint32_t tenths = fields.millisecond / 100U;
-    *at++ = static_cast<char>('0' + tenths);
-    at = put_two_digits(at, fields.millisecond - 100 * tenths);
-    if (fraction_digits > 3) at = put_beyond_milliseconds(at, fields.nanosecond);
-  }
-  return at;
+  put_two_digits(at + place[day], fields.day);
+  put_two_digits(at + place[hour], fields.hour);
+  put_two_digits(at + place[minute], fields.minute);
+  put_two_digits(at + place[second], fields.second);
+  const uint32_t tenths = fields.millisecond / 100U;
+  at[place[fraction]] = static_cast<char>('0' + tenths);
+  put_two_digits(at + place[fraction] + 1, fields.millisecond - 100 * tenths);
+  if (fraction_digits > 3) put_beyond_milliseconds(at + place[fraction] + 3, fields.nanosecond);
+  return at + size;
 }
 
 // Writes both texts by the masks. The result is the `valid` flag of `t`.

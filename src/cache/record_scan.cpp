@@ -52,7 +52,7 @@ bool scan_buffer(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint
     next = find_next_record(bytes + done, left);
     found = true;
     if (table.holds(base + done)) {
-      // What it leaves in the bytes is all that decoding it again would add.
+      // All that decoding it again would add. A short read leaves these bytes to the next search.
       correct_block_count(bytes + done, left, next);
     } else {
       add_candidate(table, opts, {bytes + done, left, next, base + done});

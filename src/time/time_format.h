@@ -56,7 +56,7 @@ class masked_format {
 
  private:
   enum part { century, year, month, day, hour, minute, second, fraction, parts };
-  static constexpr size_t usual_size = 32;    // which is copied at once
+  static constexpr size_t usual_size = 32;  // which is copied at once
   static constexpr size_t widest_part = 3;
 
   void lay_out_date(const std::string& mask);

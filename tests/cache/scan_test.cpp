@@ -30,6 +30,13 @@ TEST(Scan, TellsWhatItMet) {
   }
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
   EXPECT_FALSE(decode_url_record(table.decoded_url, nullptr, 0, 200, 1));
+  // A short read leaves what a search has left, so that must be the same where the row is known.
+  byte_vector bytes(128), url = record::url("u").blocks(2).bytes();
+  bytes.insert(bytes.end(), url.begin(), url.end());
+  std::copy_n("REDR", 4, &bytes[256]);
+  byte_vector again = bytes;
+  for (byte_vector* each : {&bytes, &again}) scan_buffer(table, opts, each->data(), 384, 512, 0);
+  EXPECT_EQ(joined(bytes[132] == 1, again == bytes), "true|true");
 }
 
 // A block that begins at 256 is searched from 384 on.

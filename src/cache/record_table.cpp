@@ -8,7 +8,7 @@ void record_table::add(const cache_row& row) {
   // Only blocks that overlap bring rows ahead of others, or again.
   if (!rows.empty() && rows.back().offset >= row.offset) return insert(row);
   release_final();
-  if (rows.empty() && is_final(row)) return take_final(row);
+  if (is_final(row)) return take_final(row);  // and so are all ahead of it, none of which is left
   keep_texts(rows.emplace_back(row));
 }
 

@@ -45,7 +45,7 @@ constexpr calendar_date date_of(int32_t days) {
   const int32_t rest = ahead + (back & (365 + leap));
   const auto& last_day = leap ? last_day_leap : last_day_common;
   int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
-  month += static_cast<int32_t>(month < 12) & static_cast<int32_t>(rest > last_day[month]);
+  month += static_cast<int32_t>(rest > last_day[month]);
   return {year, month, rest, rest - last_day[month - 1]};
 }
 

@@ -1,6 +1,6 @@
 #include "cache/record_table.h"
 
-#include <iterator>
+#include <algorithm>
 
 #include "cache/record_signature.h"
 
@@ -13,15 +13,16 @@ void record_table::add(const cache_row& row) {
 }
 
 void record_table::insert(const cache_row& row) {
-  auto place = rows.end();
-  while (place != rows.begin() && std::prev(place)->offset >= row.offset) --place;
-  if (place->offset != row.offset) keep_texts(*rows.insert(place, row));
+  if (holds(row.offset)) return;
+  const auto is_ahead = [&row](const cache_row& each) { return each.offset < row.offset; };
+  const auto ahead = std::find_if(rows.rbegin(), rows.rend(), is_ahead);
+  keep_texts(*rows.insert(ahead.base(), row));
 }
 
 bool record_table::holds(uint64_t offset) const {
-  auto place = rows.end();
-  while (place != rows.begin() && std::prev(place)->offset > offset) --place;
-  return place != rows.begin() && std::prev(place)->offset == offset;
+  const auto not_behind = [offset](const cache_row& row) { return row.offset <= offset; };
+  const auto last = std::find_if(rows.rbegin(), rows.rend(), not_behind);
+  return last != rows.rend() && last->offset == offset;
 }
 
 void record_table::next_block_at(uint64_t position) {

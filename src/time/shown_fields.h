@@ -33,19 +33,24 @@ struct calendar_date {
   int32_t day;
 };
 
+// 1 for a negative number, else 0. The sign's bit, since compilers make a choice of a comparison.
+constexpr int32_t is_negative(int32_t number) {
+  return static_cast<int32_t>(static_cast<uint32_t>(number) >> 31);
+}
+
 // The date so many days after 1601-01-01. Good to the year 3100. It makes no choices, since dates
 // at random would have the processor guess most of them wrong.
 constexpr calendar_date date_of(int32_t days) {
   // Count 365-day years, then take back the leap days that went by.
   const int32_t years = days / 365;
   const int32_t ahead = days % 365 - static_cast<int32_t>(leap_days_through(years));
-  const int32_t back = ahead >> 31;  // -1 where they reach into the year before, else 0
+  const int32_t back = -is_negative(ahead);  // -1 where they lead into the year before
   const int32_t year = 1601 + years + back;
   const bool leap = is_leap(year);
   const int32_t rest = ahead + (back & (365 + leap));
   const auto& last_day = leap ? last_day_leap : last_day_common;
   int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
-  month += static_cast<int32_t>(rest > last_day[month]);
+  month += is_negative(last_day[month] - rest);
   return {year, month, rest, rest - last_day[month - 1]};
 }
 

@@ -20,6 +20,7 @@ void record_table::insert(const cache_row& row) {
 }
 
 bool record_table::holds(uint64_t offset) const {
+  if (rows.empty()) return false;  // the usual case
   const auto not_behind = [offset](const cache_row& row) { return row.offset <= offset; };
   const auto last = std::find_if(rows.rbegin(), rows.rend(), not_behind);
   return last != rows.rend() && last->offset == offset;

@@ -1,6 +1,6 @@
 // Writes the header line and the rows: one line of delimited text for each, always with the same
-// number of cells. No cell is quoted; what keeps a separator out of one was done when the row was
-// made, and that is fixed to the comma.
+// number of cells. No cell is quoted; what keeps a separator out of one is the way in which texts
+// are shown, and that is fixed to the comma.
 #pragma once
 
 #include <cstdint>

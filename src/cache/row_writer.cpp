@@ -59,12 +59,13 @@ void for_each_time(const cache_row& row, Show show) {
 
 row_writer::row_writer(std::ostream& stream, const cmd_opts& options)
     : out(stream),
+      file_buffer(dynamic_cast<uni::fileio_ostream*>(stream.rdbuf())),
       opts(options),
       utc_format(opts.date_format, opts.time_format, opts.csv_separator, utc_label),
       local_format(opts.date_format, opts.time_format, opts.csv_separator, local_label) {}
 
 void row_writer::write_header_line() {
-  line.clear();
+  begin_line();
   if (opts.carve_columns) {
     for (const std::string_view title : carve_titles) append_cell(title);
   }
@@ -74,7 +75,7 @@ void row_writer::write_header_line() {
 }
 
 void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
-  line.clear();
+  begin_line();
   if (opts.carve_columns) append_carve_cells(row, number);
   if (opts.use_locale) {
     append_locale_pairs(row);
@@ -157,8 +158,13 @@ void row_writer::append_locale_pairs(const cache_row& row) {
   });
 }
 
+void row_writer::begin_line() {
+  line.begin(file_buffer ? file_buffer->space() : std::span<char>());
+}
+
 void row_writer::end_line() {
   line.put('\n');
+  if (line.in_lent_space()) return file_buffer->advance(line.size());
   // What `write` and `flush` do, with the stream's state looked at once for both.
   if (!out.good()) return;
   std::streambuf& buffer = *out.rdbuf();

@@ -11,10 +11,11 @@
 #include "front/opts/cmd_opts.h"
 #include "text/text_line.h"
 #include "time/time_format.h"
+#include "uni/fileio_output.h"
 
-// Serves the rows of one input. The stream and the options are borrowed. Each line is composed in
-// one reused text and handed to the stream whole, which is then flushed. A failing stream isn't
-// looked at.
+// Serves the rows of one input. The stream and the options are borrowed. A results file's lines are
+// composed in the buffer of its stream, where they fit; all others in one reused text, which is
+// handed to the stream whole, and that is then flushed. A failing stream isn't looked at.
 class row_writer {
  public:
   row_writer(std::ostream& out, const cmd_opts& opts);
@@ -31,9 +32,11 @@ class row_writer {
   void append_other_cells(const record_table& table, const cache_row& row);
   void append_masked_pairs(const cache_row& row);
   void append_locale_pairs(const cache_row& row);
+  void begin_line();
   void end_line();
 
   std::ostream& out;
+  uni::fileio_ostream* const file_buffer;  // a results file's; null for any other stream
   const cmd_opts& opts;
   const zk::masked_format utc_format;
   const zk::masked_format local_format;

@@ -3,17 +3,26 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 #include <string_view>
 #include <vector>
 
 namespace zk {
 
-// Keeps its memory when it is cleared, so that only a line longer than all before it takes more.
+// It stands in space that is lent to it, or where that is too narrow, in memory of its own. That is
+// kept, so that only a line longer than all before it takes more.
 class text_line {
  public:
-  void clear() { used = 0; }
+  // Begins an empty line.
+  void begin(std::span<char> space) {
+    bytes = space;
+    used = 0;
+    is_lent = true;
+  }
+
   size_t size() const { return used; }
   std::string_view text() const { return {bytes.data(), used}; }
+  bool in_lent_space() const { return is_lent; }
 
   void put(char c) {
     *space_for(1) = c;
@@ -35,12 +44,21 @@ class text_line {
 
  private:
   char* space_for(size_t count) {
-    if (count > bytes.size() - used) bytes.resize(std::max(used + count, 2 * bytes.size()));
+    if (count > bytes.size() - used) widen(used + count);
     return bytes.data() + used;
   }
 
-  std::vector<char> bytes;
+  void widen(size_t count) {
+    if (count > own.size()) own.resize(std::max(count, 2 * own.size()));
+    if (is_lent) std::copy_n(bytes.data(), used, own.data());
+    bytes = own;
+    is_lent = false;
+  }
+
+  std::span<char> bytes;
   size_t used = 0;
+  bool is_lent = true;
+  std::vector<char> own;
 };
 
 }  // namespace zk

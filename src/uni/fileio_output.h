@@ -2,7 +2,9 @@
 // whole blocks, however often the stream is flushed.
 #pragma once
 
+#include <cstddef>
 #include <ostream>
+#include <span>
 #include <streambuf>
 #include <vector>
 
@@ -16,6 +18,11 @@ template <class Char, class Traits = std::char_traits<Char>>
 class streambuf_generic_output : public std::basic_streambuf<Char, Traits> {
  public:
   using int_type = typename Traits::int_type;
+
+  // What is left of the put area, for text that is composed in place; nothing where a block
+  // couldn't be written. The text counts as put once `advance` tells its length.
+  std::span<Char> space() { return {this->pptr(), this->epptr()}; }
+  void advance(size_t count) { this->pbump(static_cast<int>(count)); }
 
  protected:
   explicit streambuf_generic_output(int buffer_size)

@@ -82,6 +82,12 @@ struct stage {
       out = file.attach_output();
       return joined(out != nullptr);
     }
+    if (verb == "place") {
+      auto& buffer = dynamic_cast<uni::fileio_ostream&>(*out->rdbuf());
+      std::ranges::fill(buffer.space().first(number(c[2])), text[0]);
+      buffer.advance(number(c[2]));
+      return joined(buffer.space().size());
+    }
     if (verb == "out") return joined((*out << repeated(text, c[2])).flush().good());
     if (verb == "clear") {
       out->clear();

@@ -11,11 +11,12 @@ namespace zk {
 
 inline constexpr uint32_t day_seconds = 86400;
 
-constexpr bool is_leap(int64_t year) {
-  return year % (year % 100 == 0 ? 16 : 4) == 0;
+// For numbers of any width, since a row's dates are found faster in 32 bits than in 64.
+constexpr bool is_leap(auto year) {
+  return (year & (year % 100 == 0 ? 15U : 3U)) == 0;
 }
 
-constexpr int64_t leap_days_through(int64_t year) {
+constexpr auto leap_days_through(auto year) {
   return year / 4 - year / 100 + year / 400;
 }
 
@@ -40,13 +41,13 @@ constexpr int32_t is_negative(int32_t number) {
 
 // The date so many days after 1601-01-01. Good to the year 3100. It makes no choices, since dates
 // at random would have the processor guess most of them wrong.
-constexpr calendar_date date_of(int32_t days) {
+constexpr calendar_date date_of(uint32_t days) {
   // Count 365-day years, then take back the leap days that went by.
-  const int32_t years = days / 365;
-  const int32_t ahead = days % 365 - static_cast<int32_t>(leap_days_through(years));
+  const uint32_t years = days / 365;
+  const auto ahead = static_cast<int32_t>(days % 365 - leap_days_through(years));
   const int32_t back = -is_negative(ahead);  // -1 where they lead into the year before
-  const int32_t year = 1601 + years + back;
-  const bool leap = is_leap(year);
+  const auto year = static_cast<int32_t>(1601 + years) + back;
+  const bool leap = is_leap(static_cast<uint32_t>(year));
   const int32_t rest = ahead + (back & (365 + leap));
   const auto& last_day = leap ? last_day_leap : last_day_common;
   int32_t month = std::max(rest, 0) / 32 + 1;  // the month, or the one before it
@@ -59,7 +60,7 @@ constexpr calendar_date date_of(int32_t days) {
 inline void set_fields(_windows_systemtime& fields, uint64_t ft) {
   const uint64_t seconds = ft / ticks_per_second;
   const auto ticks = static_cast<uint32_t>(ft % ticks_per_second);
-  const calendar_date date = date_of(static_cast<int32_t>(seconds / day_seconds));
+  const calendar_date date = date_of(static_cast<uint32_t>(seconds / day_seconds));
   const auto of_day = static_cast<uint32_t>(seconds % day_seconds);
   fields.year = static_cast<uint16_t>(date.year);
   fields.month = static_cast<uint16_t>(date.month);

@@ -133,7 +133,7 @@ calendar_date normalized_dos_date(calendar_date date) {
   tm.tm_year = date.year - 1900;
   tm.tm_mon = date.month - 1;
   tm.tm_mday = date.day;
-  return date_of(static_cast<int32_t>(days_to(tm)));
+  return date_of(static_cast<uint32_t>(days_to(tm)));
 }
 
 bool filetime_to_dos(uint64_t ft, dos_pair& pair) {
@@ -171,14 +171,14 @@ bool unix_to_local_tm(int64_t seconds, std::tm& fields) {
   const float hours = static_cast<float>(local_offset_seconds()) / 3600.0F;
   const int64_t since_1601 = seconds + static_cast<int64_t>(static_cast<double>(hours) * 3600.0) +
                              days_1601_to_1970 * day_seconds;
-  const auto days = static_cast<int32_t>(since_1601 / day_seconds);
+  const auto days = static_cast<uint32_t>(since_1601 / day_seconds);
   const auto of_day = static_cast<int32_t>(since_1601 % day_seconds);
   const calendar_date date = date_of(days);
   if (date.year >= first_refused_year) return false;
   fields.tm_sec = of_day % 60;
   fields.tm_min = of_day / 60 % 60;
   fields.tm_hour = of_day / 3600;
-  fields.tm_wday = (days + 1) % 7;
+  fields.tm_wday = static_cast<int>((days + 1) % 7);
   fields.tm_year = date.year - 1900;
   fields.tm_yday = date.day_of_year;
   fields.tm_mon = date.month - 1;

@@ -4,7 +4,7 @@
 
 #include "cache/record_signature.h"
 
-void record_table::add(const cache_row& row) {
+void record_table::add_to_kept(const cache_row& row) {
   // Only blocks that overlap bring rows ahead of others, or again.
   if (!rows.empty() && rows.back().offset >= row.offset) return insert(row);
   release_final();
@@ -19,8 +19,7 @@ void record_table::insert(const cache_row& row) {
   keep_texts(*rows.insert(ahead.base(), row));
 }
 
-bool record_table::holds(uint64_t offset) const {
-  if (rows.empty()) return false;  // the usual case
+bool record_table::has_kept(uint64_t offset) const {
   const auto not_behind = [offset](const cache_row& row) { return row.offset <= offset; };
   const auto last = std::find_if(rows.rbegin(), rows.rend(), not_behind);
   return last != rows.rend() && last->offset == offset;

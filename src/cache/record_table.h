@@ -23,10 +23,13 @@ struct record_table {
 
   // Takes a row whose texts may be gone after the call. The first one under an offset stays, others
   // are dropped. Throws std::bad_alloc.
-  void add(const cache_row& row);
+  void add(const cache_row& row) {
+    if (rows.empty() && is_final(row)) return take_final(row);  // as nearly all are
+    add_to_kept(row);
+  }
 
   // Whether a row under the offset is kept.
-  bool holds(uint64_t offset) const;
+  bool holds(uint64_t offset) const { return !rows.empty() && has_kept(offset); }
 
   // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. With
   // a `take_final`, a row ahead of the first place that they can search is final once the search of
@@ -49,6 +52,8 @@ struct record_table {
   cache_row decoded_row;
 
  private:
+  void add_to_kept(const cache_row& row);
+  bool has_kept(uint64_t offset) const;
   bool is_final(const cache_row& row) const { return row.offset < first_open; }
   void release_final();
   void insert(const cache_row& row);

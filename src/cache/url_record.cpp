@@ -28,6 +28,7 @@ bool is_url_record(const uint8_t* bytes, uint32_t limit) {
 // A header text without what isn't shown at both ends.
 std::string_view trimmed_header(std::string_view text) {
   const auto shown = [](char c) { return c > ' ' && c <= '~'; };
+  if (text.ends_with("\r\n\r\n")) text.remove_suffix(4);  // as most do
   while (!text.empty() && !shown(text.back())) text.remove_suffix(1);
   while (!text.empty() && !shown(text.front())) text.remove_prefix(1);
   return text;
@@ -100,7 +101,7 @@ bool decode_url_at(url_record& record, uint8_t* bytes, uint32_t limit, uint32_t 
     return false;
   }
   std::memcpy(record.fixed.data(), bytes, url_layout::fixed_size);
-  correct_block_count(bytes, limit, next);
+  if (next != no_record) zk::store_le32(bytes + url_layout::block_count, next / block_size);
 
   const record_bytes own = {bytes, bytes + limit, next == no_record ? limit : next};
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.

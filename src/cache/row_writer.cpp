@@ -30,8 +30,17 @@ char* put(char* at, std::string_view text) {
   return std::copy(text.begin(), text.end(), at);
 }
 
+// Writes a number, and up to `longest_number` bytes in all: to copy as many as the number has would
+// take a choice that the processor guesses wrong.
 char* put_number(char* at, uint32_t value) {
-  return std::to_chars(at, at + longest_number, value).ptr;
+  std::array<char, 2 * longest_number> digits = {};
+  char* const end = digits.data() + longest_number;
+  char* begin = end;
+  for (; value >= 100; value /= 100) zk::put_two_digits(begin -= 2, value % 100);
+  zk::put_two_digits(begin -= 2, value);
+  if (value < 10) ++begin;
+  std::copy_n(begin, longest_number, at);
+  return at + (end - begin);
 }
 
 // Writes a text that is mostly a single character.

@@ -101,7 +101,7 @@ bool decode_url_at(url_record& record, uint8_t* bytes, uint32_t limit, uint32_t 
     return false;
   }
   std::memcpy(record.fixed.data(), bytes, url_layout::fixed_size);
-  if (next != no_record) zk::store_le32(bytes + url_layout::block_count, next / block_size);
+  correct_block_count(bytes, limit, next);
 
   const record_bytes own = {bytes, bytes + limit, next == no_record ? limit : next};
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.

@@ -1,5 +1,7 @@
 #include "cache/block_readers.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <vector>
 
@@ -8,6 +10,7 @@
 #include "media/raw_disk_io.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
+#include "uni/medium.h"
 #include "uni/stretch.h"
 
 namespace {
@@ -35,8 +38,17 @@ void finish_progress(const cmd_opts& opts) {
   if (opts.show_progress) uni::clear_progress_line();
 }
 
+// Whether rows must wait for the end of their input. If they left while it is searched, they would
+// stand ahead of messages that share their file, or overwrite what is still to be read.
+bool rows_wait(const cmd_opts& opts, const std::vector<int>& inputs) {
+  if (uni::same_file(opts.results_fd, STDERR_FILENO)) return true;
+  return std::any_of(inputs.begin(), inputs.end(),
+                     [&opts](int input) { return uni::writes_reach(opts.results_fd, input); });
+}
+
 bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& disk) {
   if (!disk.is_open()) return false;
+  const bool wait = rows_wait(opts, disk.descriptors());
   uni::stretch_finder stretches(disk);
   std::vector<uint8_t> buffer(raw_read_size);
   bool buffer_is_old = false;
@@ -56,7 +68,7 @@ bool scan_volumes(record_table& table, const cmd_opts& opts, const RAW_DISK_IO& 
     const bool read = !zeros && disk.read(buffer.data(), count, position);
     if (read && count < overlap) overlap = 0;
     if (zeros || read) position -= overlap;
-    table.next_block_at(static_cast<uint64_t>(position) + raw_read_size);
+    if (!wait) table.next_block_at(static_cast<uint64_t>(position) + raw_read_size);
     if (read) scan_buffer(table, opts, buffer.data(), count, base, overlap);
     table.end_block();
   }
@@ -76,8 +88,9 @@ bool scan_raw_source(record_table& table, const cmd_opts& opts) {
 bool scan_large_file(record_table& table, const cmd_opts& opts) {
   const uni::fileio file(opts.input_path);
   if (!file.is_open()) return false;
+  const bool wait = rows_wait(opts, {file.descriptor()});
   const auto scan_chunk = [&](const file_block& block) {
-    table.next_block_at(block.position + block.size - block.overlap);
+    if (!wait) table.next_block_at(block.position + block.size - block.overlap);
     if (!block.zeros) {
       scan_buffer(table, opts, block.bytes, block.size, block.position, block.overlap);
     }

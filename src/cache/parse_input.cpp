@@ -94,7 +94,7 @@ bool parse_input(std::ostream& out, cmd_opts& opts) {
   record_table table(opts);
   row_output output(out, opts, table);
   const auto write = [&output](const cache_row& row) { output.write(row); };
-  if (!opts.rows_wait) table.take_final = write;
+  table.take_final = write;
   bool result = false;
   if (!opts.input_path.empty()) {
     const std::optional<bool> scanned = scan_file(table, opts);

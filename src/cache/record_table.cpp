@@ -27,12 +27,12 @@ bool record_table::has_kept(uint64_t offset) const {
 
 void record_table::next_block_at(uint64_t position) {
   // A block's search begins at its second place on the grid.
-  if (take_final) first_open = position + block_size;
+  first_open = position + block_size;
 }
 
 void record_table::end_block() {
   release_final();
-  if (!take_final) return;
+  if (first_open == 0) return;  // all rows wait
   text_arena& left = *arena;
   arena = arena == &arenas[0] ? &arenas[1] : &arenas[0];
   for (cache_row& row : rows) keep_texts(row);

@@ -1,7 +1,7 @@
 // The rows of one input that aren't written yet, in ascending offset, and the memory in which their
 // texts stand. The table is a window that moves over the input: rows come in as blocks are searched
-// and, where `take_final` is set, leave as soon as they are final. Most are so at once, and aren't
-// kept at all.
+// and, where it is told of each next block, leave as soon as they are final. Most are so at once,
+// and aren't kept at all.
 #pragma once
 
 #include <array>
@@ -31,9 +31,9 @@ struct record_table {
   // Whether a row under the offset is kept.
   bool holds(uint64_t offset) const { return !rows.empty() && has_kept(offset); }
 
-  // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. With
-  // a `take_final`, a row ahead of the first place that they can search is final once the search of
-  // this block is past it: none can come ahead of it or under its offset any more.
+  // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. A row
+  // ahead of the first place that they can search is final once the search of this block is past
+  // it: none can come ahead of it or under its offset any more. A table that isn't told keeps all.
   void next_block_at(uint64_t position);
 
   // Tells that the block's search has ended: all of its rows that can be final are.
@@ -45,7 +45,7 @@ struct record_table {
   const std::string source;              // the input's name
   std::vector<std::string> directories;  // filled once the scan is over; at most 256
   std::deque<cache_row> rows;
-  std::function<void(const cache_row&)> take_final;
+  std::function<void(const cache_row&)> take_final;  // gets each row that is final
   // The candidate that is being decoded, here so that none is made for each.
   url_record decoded_url;
   redr_record decoded_redr;

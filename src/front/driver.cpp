@@ -42,11 +42,7 @@ class results_stream {
 
   std::ostream& out() { return *stream; }
 
-  // Whether rows and messages reach the same file, a terminal or a log, where their order shows.
-  bool shared_with_messages() const {
-    if (file.is_open()) return file.shares_file_with(STDERR_FILENO);
-    return uni::same_file(STDOUT_FILENO, STDERR_FILENO);
-  }
+  int descriptor() const { return file.is_open() ? file.descriptor() : STDOUT_FILENO; }
 
  private:
   uni::fileio file;
@@ -171,7 +167,7 @@ int run_steps(int argc, const char* const* argv) {
   context.configure(opts, ignore_signal);
   results_stream results;
   if (!results.open(opts)) return run_failed;
-  opts.rows_wait = results.shared_with_messages();
+  opts.results_fd = results.descriptor();
   results.out() << run_header << std::endl;
   take_locale(args, opts);
   return run_mode(args, results.out(), opts);

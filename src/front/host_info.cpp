@@ -1,18 +1,14 @@
 #include "front/host_info.h"
 
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <sys/utsname.h>
 #include <sys/vfs.h>
 #include <unistd.h>
 
 #include <array>
-#include <climits>
-#include <cstdio>
-#include <cstdlib>
-#include <string_view>
 
 #include "text/zk_string.h"
+#include "uni/medium.h"
 
 namespace {
 
@@ -60,12 +56,7 @@ bool exe_on_usb() {
   const std::string path = probe_exe_path();
   struct stat facts = {};
   if (path.size() <= 1 || ::lstat(path.c_str(), &facts) != 0) return false;
-  std::array<char, 4096> link = {};
-  std::snprintf(link.data(), link.size(), "%s/%ld:%ld", "/sys/dev/block",
-                static_cast<long>(major(facts.st_dev)), static_cast<long>(minor(facts.st_dev)));
-  std::array<char, PATH_MAX> device = {};
-  if (!::realpath(link.data(), device.data())) return false;
-  return std::string_view(device.data()).find("usb") != std::string_view::npos;
+  return uni::device_folder(facts.st_dev).find("usb") != std::string::npos;
 }
 
 std::string host_name() {

@@ -46,6 +46,13 @@ bool RAW_DISK_IO::read_plain(uint8_t* out, uint32_t& count, int64_t offset) cons
   return ::pread(m_fd, out, count, offset) != -1;
 }
 
+std::vector<int> RAW_DISK_IO::descriptors() const {
+  if (m_kind != chain) return {m_fd};
+  std::vector<int> found;
+  for (const auto& [key, extent] : m_chain->m_extents) found.push_back(extent->m_fd);
+  return found;
+}
+
 uni::stretch RAW_DISK_IO::stretch_at(uint64_t offset) const {
   if (!m_open) return {std::numeric_limits<uint64_t>::max(), false};
   return m_kind == chain ? m_chain->stretch_at(offset) : uni::stretch_of(m_fd, offset);

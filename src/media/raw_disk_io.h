@@ -36,6 +36,9 @@ class RAW_DISK_IO {
   // of a VMware disk by its grain tables.
   uni::stretch stretch_at(uint64_t offset) const;
 
+  // The descriptors of all its files, which stay this object's.
+  std::vector<int> descriptors() const;
+
  private:
   enum kind : uint32_t { plain = 0, chain = 4, none = 8 };
 

@@ -134,10 +134,6 @@ stretch fileio::stretch_at(uint64_t offset) const {
   return stretch_of(fd, offset);
 }
 
-bool fileio::shares_file_with(int other_fd) const {
-  return is_open() && !memory_mode && same_file(fd, other_fd);
-}
-
 bool fileio::read_at(void* buffer, uint32_t& count, int64_t offset) const {
   if (!is_open() || offset < 0 || cached_size <= offset) return false;
   const auto left = static_cast<uint64_t>(cached_size - offset);

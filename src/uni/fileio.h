@@ -64,9 +64,8 @@ class fileio {
   // Whether the bytes from `offset` on are a hole of the file, where its file system tells.
   stretch stretch_at(uint64_t offset) const;
 
-  // Whether both are the same file, so that what is written to one is mixed with what is written to
-  // the other. Never true of the null device.
-  bool shares_file_with(int other_fd) const;
+  // The descriptor, which stays this object's; -1 in memory mode and where nothing is open.
+  int descriptor() const { return fd; }
 
   // Reads at most `count` bytes from `offset` with one system read, and sets `count` to what came,
   // which may be less. False where nothing is open or `offset` is at or past the size, with `count`
@@ -137,7 +136,8 @@ open_mode open_mode_for(fileio::access access);
 // What the file system knows of a descriptor's bytes from `offset` on. Moves its position.
 stretch stretch_of(int fd, uint64_t offset);
 
-// Whether two descriptors are of the same file; never true of the null device.
+// Whether two descriptors are of the same file, so that what is written to one is mixed with what
+// is written to the other. Never true of the null device, nor of a descriptor that isn't open.
 [[nodiscard]] bool same_file(int fd, int other_fd);
 
 // Fill `record`, which is zeroed first, with the facts of a path or a descriptor.

@@ -183,7 +183,7 @@ struct RandomIndexes : testing::Test, sample::random_index_builder {
     string expected;
     for (const auto& [at, made] : rows) expected += made;
     std::ostringstream out;
-    opts.rows_wait = once_in(5);
+    opts.results_fd = once_in(5) ? STDERR_FILENO : -1;  // or rows wait
     testing::internal::CaptureStderr();
     EXPECT_EQ(parse_input(out, opts), succeeds);
     testing::internal::GetCapturedStderr();

@@ -23,6 +23,7 @@ const case_kind fault_loops("cli/faults.txt/loops", 1);
 const case_kind limits("cli/faults.txt/limits", 1, any_number);
 const case_kind traced("cli/faults.txt/traced", 1, any_number);
 const case_kind mounted("cli/faults.txt/mounted", 1, any_number);
+const case_kind devices("cli/faults.txt/devices", 1);
 
 struct run_result {
   string out;
@@ -171,6 +172,11 @@ TEST_F(Runs, ChangeNoInput) {
 TEST_F(Runs, InputsCanLieWhereNothingCanBeWritten) {
   if (run("fresh && mounted true").status != 0) GTEST_SKIP() << "no folder mounts read-only";
   check(mounted);
+}
+
+TEST_F(Runs, ResultsCanLieOnTheSearchedDevice) {
+  if (run("fresh && losetup -f").status != 0) GTEST_SKIP() << "no loop devices, or no rights";
+  check(devices);
 }
 
 // Real indexes, where a folder of them is named when the build is configured.

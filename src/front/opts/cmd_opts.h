@@ -11,7 +11,7 @@
 
 struct cmd_opts : cmd_params {
   std::string input_path;      // the file being parsed now
-  bool rows_wait = false;      // rows and messages share a file, so rows come when an input ends
+  int results_fd = -1;         // where the rows go, to see whether they must wait
   bool write_header = true;    // if not, rows are empty lines too; nothing clears it
   bool any_signature = false;  // files are parsed whatever they begin with
   bool carve_columns = false;  // columns "note" and "offset"; nothing sets it

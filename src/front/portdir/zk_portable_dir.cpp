@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <memory>
 #include <new>
 #include <string_view>
@@ -46,8 +47,9 @@ bool fits(const _DIR_NODE_STL& node, const name_parts& pattern) {
          part_fits(pattern.name, parts.name);
 }
 
-// Tells folders from files. An entry of unknown type counts as the one before it did, the first
-// one as a file.
+// Tells folders from files. An entry whose type can't be had counts as the one before it did, the
+// first one as a file.
+// Deliberate: so does one whose path is longer than the system takes, though the listing may tell.
 class entry_types {
  public:
   entry_types(DIR* stream, const std::string& folder)
@@ -60,6 +62,7 @@ class entry_types {
 
   // Whether the entry is a folder. `path` is the folder's text with the entry's name behind it.
   bool is_dir(const dirent& entry, const std::string& path) {
+    if (path.size() >= PATH_MAX) return last_is_dir;
     struct stat facts;
     if (listing_tells && entry.d_type != DT_UNKNOWN) {
       last_is_dir = entry.d_type == DT_DIR;

@@ -288,6 +288,8 @@ open_mode open_mode_for(fileio::access access) {
 }
 
 stretch stretch_of(int fd, uint64_t offset) {
+  struct stat facts;
+  if (!descriptor_stat(fd, facts) || !S_ISREG(facts.st_mode)) return {unknown_end, false};
   const auto at = static_cast<off_t>(offset);
   off_t data = ::lseek(fd, at, SEEK_DATA);
   // Nothing but a hole is left, if anything is.

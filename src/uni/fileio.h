@@ -133,7 +133,8 @@ struct open_mode {
 };
 open_mode open_mode_for(fileio::access access);
 
-// What the file system knows of a descriptor's bytes from `offset` on. Moves its position.
+// What the file system knows of a descriptor's bytes from `offset` on. Moves its position. Only
+// regular files have holes: a folder can measure 2^63-1 bytes, and would seem to be one.
 stretch stretch_of(int fd, uint64_t offset);
 
 // Whether two descriptors are of the same file, so that what is written to one is mixed with what

@@ -137,6 +137,10 @@ TEST(File, RightsOfWhatIsOnlyRead) {
   EXPECT_EQ(uni::open_mode_for(uni::fileio::access::read).creation_mode, 0404u);
 }
 
+TEST(File, OnlyRegularFilesAreAskedForHoles) {
+  EXPECT_EQ(uni::fileio("/usr").stretch_at(0).end, ~0ULL);
+}
+
 TEST(File, StreamsThatWriteNowhere) {
   uni::fileio none;
   uni::fileio_output closed(&none, 16);

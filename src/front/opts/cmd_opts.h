@@ -10,12 +10,12 @@
 #include "time/time_format.h"
 
 struct cmd_opts : cmd_params {
-  std::string input_path;      // the file being parsed now
-  int results_fd = -1;         // where the rows go, to see whether they must wait
-  bool write_header = true;    // if not, rows are empty lines too; nothing clears it
-  bool any_signature = false;  // files are parsed whatever they begin with
-  bool carve_columns = false;  // columns "note" and "offset"; nothing sets it
-  bool use_locale = false;     // dates as the user's locale has them
+  std::string input_path;                 // the file being parsed now
+  int results_fd = -1;                    // where the rows go, to see whether they must wait
+  bool write_header = true;               // if not, rows are empty lines too; nothing clears it
+  bool any_signature = false;             // files are parsed whatever they begin with
+  bool carve_columns = false;             // columns "note" and "offset"; nothing sets it
+  bool use_locale = false;                // dates as the user's locale has them
   std::optional<zk::locale_dates> dates;  // there with `use_locale`: one form throughout the run
   std::string partition_path;             // value of -partition
   bool admin_rights = false;              // nothing sets it

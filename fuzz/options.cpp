@@ -3,8 +3,10 @@
 
 #include "cache/row_writer.h"
 #include "front/arguments.h"
-#include "front/opts/cmd_opts.h"
+#include "front/disk_options.h"
+#include "front/option_table.h"
 #include "fuzz/support.h"
+#include "opts/cmd_opts.h"
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   argument_list args = texts_of(data, size);
@@ -15,8 +17,8 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
   }
   cmd_opts opts;
-  if (!opts.parse_options(args)) return 0;
-  require(opts.parse_vmdk_options(args, nullptr, nullptr, true, "-vmdk"), "a list is taken");
+  if (!parse_options(opts, args)) return 0;
+  require(parse_vmdk_options(opts, args, nullptr, nullptr, true, "-vmdk"), "a list is taken");
   require(opts.date_format.size() == 8 || opts.date_format.size() == 10, "a date mask fits");
   const size_t time_size = opts.time_format.size();
   require(time_size == 8 || (time_size >= 12 && time_size <= 18), "a time mask fits");

@@ -1,7 +1,6 @@
 #!/usr/bin/env bash
 # check_includes.sh: fails if an include runs against the arrows of docs/architecture.dot, if no
-# include needs one of them, or if architecture.svg shows others. A layer is a folder of src/, and
-# so is src/front/opts/.
+# include needs one of them, or if architecture.svg shows others. A layer is a folder of src/.
 set -eu
 cd "$(dirname "$0")/.."
 echo "checking the includes"
@@ -20,7 +19,7 @@ includes() {
       [[ $include == \"* || -e ${include:1} ]] && echo "$file ${include:1}"
     done
 }
-layer() { sed -E 's|.*\.\..*|..|; s|^front/opts/|opts/|; s|([a-z]+)[./].*|\1|' <<<"$1"; }
+layer() { sed -E 's|.*\.\..*|..|; s|([a-z]+)[./].*|\1|' <<<"$1"; }
 used=$(
   includes | while read -r file include; do
     arrow="$(layer "$file") $(layer "$include")"

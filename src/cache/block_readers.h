@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "cache/record_table.h"
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 // A file of at most this many bytes is read whole, a larger one by scan_large_file.
 inline constexpr int64_t largest_whole_file = 0x1000000;

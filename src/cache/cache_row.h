@@ -8,7 +8,7 @@
 #include "cache/record_texts.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 // Its texts are those of the record, in the bytes of the input or in the memory of the table that
 // keeps the row.

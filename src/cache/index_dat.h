@@ -23,7 +23,7 @@
 #include "cache/record_scan.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 namespace index_layout {
 inline constexpr uint32_t first_hash = 0x20;

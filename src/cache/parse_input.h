@@ -3,7 +3,7 @@
 
 #include <ostream>
 
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 // Searches the input that `opts` names, a file or else a raw source, and writes to `out` the header
 // line, if it is still pending, and the rows. Those of a file that is read whole come at its end,

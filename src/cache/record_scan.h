@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "cache/record_table.h"
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 // Tries the candidate at `bytes`, of which `limit` bytes may be read, as a URL or LEAK record and
 // then as a REDR record. One that is accepted and declares fewer than 10 blocks goes into the table

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "cache/record_table.h"
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 #include "text/text_line.h"
 #include "time/time_format.h"
 #include "uni/fileio_output.h"

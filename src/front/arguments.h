@@ -5,8 +5,11 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
-#include "front/opts/cmd_params.h"
+// The program's arguments as byte strings, its own name first. Options are found by name and
+// removed.
+using argument_list = std::vector<std::string>;
 
 // One entry for each of `argv`; a null one becomes empty.
 argument_list make_argument_list(int argc, const char* const* argv);

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "front/opts/cmd_opts.h"
+#include "opts/cmd_opts.h"
 
 class cmdline_ctx {
  public:

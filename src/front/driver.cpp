@@ -11,14 +11,16 @@
 #include "cache/parse_input.h"
 #include "front/arguments.h"
 #include "front/cmdline_ctx.h"
+#include "front/disk_options.h"
 #include "front/host_info.h"
-#include "front/opts/cmd_opts.h"
+#include "front/option_table.h"
 #include "front/path_match.h"
 #include "front/portdir/stdin_stream_ex.h"
 #include "front/run_header.h"
 #include "front/usage.h"
 #include "gate/licence_gate.h"
 #include "media/disk_chain_check.h"
+#include "opts/cmd_opts.h"
 #include "text/path_text.h"
 #include "text/zk_wide.h"
 #include "time/zk_time.h"
@@ -101,7 +103,7 @@ int run_partition(std::ostream& out, cmd_opts& opts) {
 
 int run_disk(argument_list& args, std::ostream& out, cmd_opts& opts) {
   if (!licence_gate::allows_option("-vmdk")) return run_failed;
-  if (!opts.parse_vmdk_options(args, disk_chain_check, nullptr, true, "-vmdk")) return run_failed;
+  if (!parse_vmdk_options(opts, args, disk_chain_check, nullptr, true, "-vmdk")) return run_failed;
   for (const std::wstring& path : opts.vmdk_paths) licence_gate::see_file(zk::wide_to_utf8(path));
   return parse_one_input(out, opts);
 }
@@ -160,7 +162,7 @@ int run_steps(int argc, const char* const* argv) {
   const std::string run_header = make_run_header(args, opts.launch_time);
   licence_gate::see_file(probe_exe_path());
   opts.pipe_ungated = true;
-  if (!opts.parse_options(args)) {
+  if (!parse_options(opts, args)) {
     std::cout << run_header << std::endl;
     return run_failed;
   }

@@ -5,8 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "front/opts/cmd_params.h"
-#include "front/opts/path_filter.h"
+#include "front/arguments.h"
+#include "opts/cmd_params.h"
+#include "opts/path_filter.h"
 
 using filter_list = std::vector<path_filter>;
 

@@ -3,7 +3,8 @@
 
 #include <string>
 
-#include "front/opts/cmd_params.h"
+#include "front/arguments.h"
+#include "opts/cmd_params.h"
 
 // What the output forms have in common: each clears these flags, sets its own and has a separator.
 // Deliberate: that of -csvgen is never cleared.

@@ -1,14 +1,14 @@
 // The option table, and the loop that treats it.
+#include "front/option_table.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <string>
 #include <string_view>
 #include <type_traits>
 
-#include "front/arguments.h"
 #include "front/filter_text.h"
 #include "front/option_actions.h"
-#include "front/opts/cmd_params.h"
 #include "gate/licence_gate.h"
 #include "text/path_text.h"
 #include "text/zk_number.h"
@@ -212,18 +212,19 @@ std::string program_name(const std::string& path) {
 
 }  // namespace
 
-bool cmd_params::parse_options(argument_list& args) {
+bool parse_options(cmd_params& params, argument_list& args) {
   if (args.empty()) return false;
-  if (cmdline.empty()) make_cmdline(cmdline, args, '"');
-  if (prog_name.empty()) prog_name = program_name(args[0]);
+  if (params.cmdline.empty()) make_cmdline(params.cmdline, args, '"');
+  if (params.prog_name.empty()) params.prog_name = program_name(args[0]);
   for (const option& each : options) {
     std::string value;
     while (take(each, args, value)) {
-      if (!gate_allows(*this, each) || !each.act(*this, args, value)) return false;
+      if (!gate_allows(params, each) || !each.act(params, args, value)) return false;
       if (each.takes != kind::repeated_value) break;
     }
   }
-  format_masks = zk::derive_format_masks(date_format, time_format, pair_datetime);
-  read_system_version(*this, system_version_file);
+  params.format_masks =
+      zk::derive_format_masks(params.date_format, params.time_format, params.pair_datetime);
+  read_system_version(params, system_version_file);
   return true;
 }

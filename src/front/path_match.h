@@ -6,7 +6,7 @@
 #include <string>
 
 #include "front/filter_text.h"
-#include "front/opts/cmd_params.h"
+#include "opts/cmd_params.h"
 
 // A file's modification time. The system is asked at most once for each path.
 struct file_stat {

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "front/opts/cmd_params.h"
+#include "front/arguments.h"
 #include "time/zk_time.h"
 
 // The program's name, its version and who makes it.

@@ -3,9 +3,11 @@
 
 #include "front/arguments.h"
 #include "front/cmdline_ctx.h"
+#include "front/disk_options.h"
 #include "front/host_info.h"
 #include "front/option_actions.h"
-#include "front/opts/cmd_opts.h"
+#include "front/option_table.h"
+#include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
 
@@ -78,7 +80,7 @@ CASES(front, option, 0, any_number) {
   args.insert(args.begin(), "/usr/bin/udx.bin");
   shown_opts with;
   testing::internal::CaptureStderr();
-  const bool result = with.parse_options(args);
+  const bool result = parse_options(with, args);
   text seen = testing::internal::GetCapturedStderr() + (result ? "" : "failed ");
   for (size_t i = 1; i < args.size(); ++i) seen += "left=" + args[i] + " ";
   EXPECT_EQ(with.prog_name, "udx");
@@ -87,7 +89,8 @@ CASES(front, option, 0, any_number) {
 
 TEST(Options, OfNoArguments) {
   argument_list none;
-  EXPECT_FALSE(cmd_opts().parse_options(none));
+  cmd_opts opts;
+  EXPECT_FALSE(parse_options(opts, none));
 }
 
 CASES(front, separator, 2) {
@@ -106,7 +109,7 @@ CASES(front, disks, 2, any_number) {
   cmd_opts opts;
   argument_list args(c.begin() + 2, c.end());
   testing::internal::CaptureStderr();
-  const bool result = opts.parse_vmdk_options(args, check, nullptr, true, "-vmdk");
+  const bool result = parse_vmdk_options(opts, args, check, nullptr, true, "-vmdk");
   text seen = testing::internal::GetCapturedStderr() + (result ? "taken " : "refused ");
   for (const std::wstring& path : opts.vmdk_paths) {
     seen += "[" + text(path.begin(), path.end()) + "]";

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "front/filter_text.h"
-#include "front/opts/cmd_params.h"
 #include "front/portdir/path_stack.h"
+#include "opts/cmd_params.h"
 #include "uni/stdin_stream.h"
 
 namespace zkportdir {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "front/opts/cmd_params.h"
+#include "opts/cmd_params.h"
 #include "time/time_format.h"
 
 struct cmd_opts : cmd_params {

@@ -3,20 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
-#include "front/opts/path_filter.h"
+#include "opts/path_filter.h"
 #include "time/date_format_context.h"
 #include "time/zk_time.h"
-
-// The program's arguments as byte strings, its own name first. Options are found by name and
-// removed.
-using argument_list = std::vector<std::string>;
 
 struct cmd_params {
   zk::time launch_time;                            // when the run began
@@ -88,24 +83,6 @@ struct cmd_params {
   uint64_t stop_filetime = 0;
   uint32_t start_unix = 0;
   uint32_t stop_unix = 0;
-
-  // Reads all options but -partition, -vmdk, -offset, -f and -locale, in a fixed order and not in
-  // that of the arguments, and removes what it reads from `args`. Unknown options stay there,
-  // unnoticed. False ends the run; what is to be said was said on standard error.
-  [[nodiscard]] bool parse_options(argument_list& args);
-
-  // Checks a list of disk files. Writes its messages to `messages`, and to `suggested` the list
-  // that it would have accepted, if it knows one.
-  using disk_list_check =
-      std::function<bool(const std::vector<std::wstring>& paths, std::ostream& messages,
-                         std::vector<std::wstring>& suggested)>;
-
-  // Reads -vmdk and -offset, first parse_options unless `skip_common` is set, and hands the disk
-  // files to `check` and then, unless empty, to `second`. `name` names the option in the suggestion
-  // that goes to standard error with the messages of a failed check.
-  [[nodiscard]] bool parse_vmdk_options(argument_list& args, const disk_list_check& check,
-                                        const disk_list_check& second, bool skip_common,
-                                        const char* name);
 
   // Sets the separator between cells, "tab" meaning a tab, and the delimiters that follow from it;
   // `semicolon` says by what a comma would be replaced.

@@ -24,17 +24,6 @@ std::string print(const char* format, Numbers... numbers) {
   return buffer.data();
 }
 
-std::tm calendar_tm(const _windows_systemtime& fields) {
-  std::tm tm = {};
-  tm.tm_mon = fields.month - 1;
-  tm.tm_mday = fields.day;
-  tm.tm_year = fields.year - 1900;
-  tm.tm_hour = fields.hour;
-  tm.tm_min = fields.minute;
-  tm.tm_sec = fields.second;
-  return tm;
-}
-
 std::optional<std::locale> make_locale(const std::string& name) {
   errno = 0;
   try {
@@ -50,7 +39,7 @@ std::optional<std::locale> make_locale(const std::string& name) {
 
 masked_format::masked_format(const std::string& date_mask, const std::string& time_mask,
                              std::string_view separator, std::string_view label) {
-  place.fill(none);
+  place.fill(hidden);
   if (!date_mask.empty()) lay_out_date(date_mask);
   date_end = form.size();
   form += separator;
@@ -58,9 +47,6 @@ masked_format::masked_format(const std::string& date_mask, const std::string& ti
   lay_out_time(time_mask);
   if (form.size() != time_begin) form += label;
   form += separator;
-  size = form.size();
-  for (size_t& each : place) each = std::min(each, size);
-  form.resize(std::max(size, usual_size));
 }
 
 void masked_format::lay_out_date(const std::string& mask) {
@@ -82,7 +68,7 @@ void masked_format::lay_out_date(const std::string& mask) {
   const bool day_first = complete && month_found >= day_found;
 
   const auto lay_out_year = [&] {
-    lay_out(century, two_digit_year ? 0 : 2);
+    if (!two_digit_year) lay_out(century, 2);
     lay_out(year, 2);
   };
   if (year_first) {
@@ -128,13 +114,6 @@ void masked_format::lay_out_time(const std::string& mask) {
 void masked_format::lay_out(part which, size_t width) {
   place[which] = form.size();
   form.append(width, ' ');
-}
-
-void masked_format::put_beyond_milliseconds(char* at, uint64_t nanosecond) const {
-  auto rest = static_cast<uint32_t>(nanosecond) / fraction_unit;
-  for (size_t i = fraction_digits - 3; i-- > 0; rest /= 10) {
-    at[i] = static_cast<char>('0' + rest % 10);
-  }
 }
 
 bool format_masked(std::string& date_out, std::string& time_out, const time& t,

@@ -50,51 +50,52 @@ class masked_format {
   // Writes a valid time at `at`, where there must be `space` bytes, and returns the place behind
   // the text.
   char* put(char* at, const _windows_systemtime& fields) const;
-  size_t space() const { return form.size() + widest_part; }
+  size_t space() const { return form.size(); }
 
   size_t date_size() const { return date_end; }  // in bytes, without the separator
 
  private:
   enum part { century, year, month, day, hour, minute, second, fraction, parts };
-  static constexpr size_t usual_size = 32;  // which is copied at once
-  static constexpr size_t widest_part = 3;
+  static constexpr size_t hidden = std::string::npos;
 
   void lay_out_date(const std::string& mask);
   void lay_out_time(const std::string& mask);
   void lay_out(part which, size_t width);
-  void put_beyond_milliseconds(char* at, uint64_t nanosecond) const;
+  void put_digits(char* at, part which, uint32_t value) const {
+    if (place[which] != hidden) put_two_digits(at + place[which], value);
+  }
+  void put_fraction(char* at, const _windows_systemtime& fields) const;
 
-  // The text with gaps for its parts, of which each has a place. One that isn't shown is written
-  // behind the text.
-  std::string form;  // no smaller than `usual_size`
-  size_t size = 0;
+  // The text with gaps for its parts, of which each has a place unless it isn't shown.
+  std::string form;
   size_t date_end = 0;
   std::array<size_t, parts> place = {};
   bool month_name = false;
-  size_t fraction_digits = 0;  // 0 for none
+  size_t fraction_digits = 0;  // 0 for none, else at least 3
   uint32_t fraction_unit = 1;  // nanoseconds in the last of them
 };
 
 inline char* masked_format::put(char* at, const _windows_systemtime& fields) const {
-  std::memcpy(at, form.data(), usual_size);
-  if (size > usual_size) std::memcpy(at + usual_size, &form[usual_size], size - usual_size);
+  std::memcpy(at, form.data(), form.size());
   const uint32_t hundreds = fields.year / 100U;
-  put_two_digits(at + place[century], hundreds);  // a year of two digits overwrites these
-  put_two_digits(at + place[year], fields.year - 100 * hundreds);
+  put_digits(at, century, hundreds);
+  put_digits(at, year, fields.year - 100 * hundreds);
   if (month_name) {
     std::memcpy(at + place[month], month_abbreviation(fields.month).data(), 3);
   } else {
-    put_two_digits(at + place[month], fields.month);
+    put_digits(at, month, fields.month);
   }
-  put_two_digits(at + place[day], fields.day);
-  put_two_digits(at + place[hour], fields.hour);
-  put_two_digits(at + place[minute], fields.minute);
-  put_two_digits(at + place[second], fields.second);
-  const uint32_t tenths = fields.millisecond / 100U;
-  at[place[fraction]] = static_cast<char>('0' + tenths);
-  put_two_digits(at + place[fraction] + 1, fields.millisecond - 100 * tenths);
-  if (fraction_digits > 3) put_beyond_milliseconds(at + place[fraction] + 3, fields.nanosecond);
-  return at + size;
+  put_digits(at, day, fields.day);
+  put_digits(at, hour, fields.hour);
+  put_digits(at, minute, fields.minute);
+  put_digits(at, second, fields.second);
+  if (fraction_digits != 0) put_fraction(at + place[fraction], fields);
+  return at + form.size();
+}
+
+inline void masked_format::put_fraction(char* at, const _windows_systemtime& fields) const {
+  auto rest = static_cast<uint32_t>(fields.nanosecond) / fraction_unit;
+  for (size_t i = fraction_digits; i-- > 0; rest /= 10) at[i] = static_cast<char>('0' + rest % 10);
 }
 
 // Writes both texts by the masks. The result is the `valid` flag of `t`.

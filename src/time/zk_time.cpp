@@ -31,17 +31,6 @@ bool fields_to_dos(const _windows_systemtime& fields, dos_pair& pair) {
   return true;
 }
 
-std::tm calendar_tm(const _windows_systemtime& fields) {
-  std::tm tm = {};
-  tm.tm_year = fields.year - 1900;
-  tm.tm_mon = fields.month - 1;
-  tm.tm_mday = fields.day;
-  tm.tm_hour = fields.hour;
-  tm.tm_min = fields.minute;
-  tm.tm_sec = fields.second;
-  return tm;
-}
-
 // The days from 1601-01-01 to a date, by the rule of tm_to_filetime.
 int64_t days_to(const std::tm& fields) {
   const int64_t year = fields.tm_year;  // since 1900, and it is this that is tested for a leap year
@@ -58,6 +47,17 @@ int look_up_local_offset(std::time_t now) {
 }
 
 }  // namespace
+
+std::tm calendar_tm(const _windows_systemtime& fields) {
+  std::tm tm = {};
+  tm.tm_year = fields.year - 1900;
+  tm.tm_mon = fields.month - 1;
+  tm.tm_mday = fields.day;
+  tm.tm_hour = fields.hour;
+  tm.tm_min = fields.minute;
+  tm.tm_sec = fields.second;
+  return tm;
+}
 
 void time::set_value(uint64_t value, type_time type) {
   clear();

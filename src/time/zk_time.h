@@ -38,6 +38,9 @@ struct _windows_systemtime {
   uint64_t picosecond;
 };
 
+// The same instant as the C library has it; the day of the week and of the year stay 0.
+std::tm calendar_tm(const _windows_systemtime& fields);
+
 // Two DOS words. Date: years since 1980 in bits 15 to 9, month in 8 to 5, day in 4 to 0. Time:
 // hour in 15 to 11, minute in 10 to 5, seconds halved in 4 to 0.
 struct dos_pair {

@@ -1,12 +1,23 @@
 // The same bytes read whole and in the blocks of a large file. The input lies around the border of
 // the first two blocks; its first byte says where.
-#include "cache/block_readers.h"
+#include <map>
+#include <string>
+
+#include "cache/chunk_readers.h"
 #include "cache/record_scan.h"
 #include "fuzz/support.h"
 
 namespace {
 
 constexpr uint32_t overlap = 4096;
+
+struct found_row {
+  cache_row numbers;
+  std::string url;
+  std::string filename;
+
+  found_row(const cache_row& row) : numbers(row), url(row.url), filename(row.filename) {}
+};
 
 // Whether a record that counts in a whole file is sure to count in blocks: what decides on it lies
 // within the overlap of its start.
@@ -37,26 +48,29 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   cmd_opts opts;
   opts.input_path = file.path();
   opts.show_progress = false;
-  record_table pieces(opts);
-  require(scan_large_file(pieces, opts), "a file is read");
+  std::map<uint64_t, found_row> pieces;
+  record_table window([&](const cache_row& row) { pieces.emplace(row.offset, row); });
+  require(scan_large_file(window, opts), "a file is read");
+  window.end_input();
 
-  record_table whole(opts);
   byte_vector changed = bytes;
-  scan_buffer(whole, opts, changed.data(), static_cast<uint32_t>(changed.size()), 0, 0);
-  for (const cache_row& row : whole.rows) {
+  record_table whole([&](const cache_row& row) {
     const uint8_t* const record = &bytes[row.offset];
-    const cache_row* const piece = find_row(pieces, row.offset);
-    if (piece == nullptr) {
+    const auto piece = pieces.find(row.offset);
+    if (piece == pieces.end()) {
       require(!survives_blocks(row, record), "blocks lose no record");
-      continue;
+      return;
     }
-    require(piece->signature == row.signature && piece->count == row.count &&
-                piece->access == row.access,
+    const auto& [numbers, url, filename] = piece->second;
+    require(numbers.signature == row.signature && numbers.count == row.count &&
+                numbers.access == row.access,
             "a record's numbers don't depend on the blocks");
-    if (row.is_redirect() || shows_count(record)) continue;
-    require(row.texts.url().starts_with(piece->texts.url()) &&
-                row.texts.filename().starts_with(piece->texts.filename()),
+    if (row.is_redirect() || shows_count(record)) return;
+    require(row.url.starts_with(url) && row.filename.starts_with(filename),
             "a block's end only cuts a text");
-  }
+  });
+  whole.keep_all();
+  scan_buffer(whole, opts, changed.data(), static_cast<uint32_t>(changed.size()), 0, 0);
+  whole.end_input();
   return 0;
 }

@@ -7,6 +7,7 @@
 #include "front/option_table.h"
 #include "fuzz/support.h"
 #include "opts/cmd_opts.h"
+#include "uni/fileio_output.h"
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   argument_list args = texts_of(data, size);
@@ -27,14 +28,16 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
 
   std::ostringstream out;
-  row_writer writer(out, opts);
+  uni::stream_sink sink(out);
+  const std::vector<std::string> no_directories;
+  row_writer writer(sink, opts, no_directories);
   writer.write_header_line();
   require(out.str().ends_with("index.dat filename\n"), "the header line ends with its last title");
   out.str("");
   cache_row row;
   row.last_mod = 128000000000000000;
   row.expires = 0x12345678;
-  writer.write_row(record_table(opts), row, 1);
+  writer.write_row(row, 1);
   const std::string line = out.str();
   size_t separators = 0;
   for (size_t at = 0; !opts.csv_separator.empty();) {

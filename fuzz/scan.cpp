@@ -1,12 +1,16 @@
 // The search over any bytes: where it finds rows, what it may change, what a row's text may hold.
 #include <map>
 #include <sstream>
+#include <string>
+#include <vector>
 
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
 #include "cache/record_signature.h"
 #include "cache/row_writer.h"
+#include "cache/shown_texts.h"
 #include "fuzz/support.h"
+#include "uni/fileio_output.h"
 
 namespace {
 
@@ -15,16 +19,16 @@ auto count_of(std::string_view text, char c) {
 }
 
 void check_text(const cache_row& row, std::string_view directory, const std::string& line) {
-  std::string header(row.texts.http_header());
-  put_shown_header(header.data(), row.texts.http_header());
+  std::string header(row.http_header);
+  put_shown_header(header.data(), row.http_header);
   require(std::all_of(header.begin(), header.end(),
                       [](char c) { return c >= 0x20 && c <= 0x7E && c != ','; }),
           "a header text is printable");
   require(line.find(header + ",/evidence/") != std::string::npos, "a row shows its header text");
   // A user and a directory name keep what they hold, a REDR record's URL its line ends.
   const auto kept = [&](char c) {
-    return count_of(row.texts.user(), c) + count_of(directory, c) +
-           (row.is_redirect() && c != ',' ? count_of(row.texts.url(), c) : 0);
+    return count_of(row.user, c) + count_of(directory, c) +
+           (row.is_redirect() && c != ',' ? count_of(row.url, c) : 0);
   };
   require(count_of(line, ',') == 16 + kept(','), "a row has 17 cells");
   require(count_of(line, '\n') == 1 + kept('\n'), "a row is one line");
@@ -37,10 +41,13 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   byte_vector bytes(data, data + size);
   cmd_opts opts;
   opts.input_path = "/evidence/index.dat";
-  record_table table(opts);
+  std::vector<cache_row> rows;
+  record_table table([&rows](const cache_row& row) { rows.push_back(row); });
+  table.next_chunk_at(size);  // so that all leave at once, and their texts stay in the bytes
   const bool found = scan_buffer(table, opts, bytes.data(), static_cast<uint32_t>(size), 0, 0);
   cache_container container;
-  attach_directories(container, table, bytes.data(), static_cast<uint32_t>(size));
+  std::vector<std::string> directories;
+  attach_directories(container, directories, bytes.data(), static_cast<uint32_t>(size));
 
   // Each signature on the grid, and what it must come to, worked out apart from the search.
   byte_vector expected(data, data + size);
@@ -56,7 +63,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const bool leak_counts = four == leak_signature && left >= url_layout::fixed_size;
     const bool redr_counts = four == redr_signature && left >= redr_layout::fixed_size;
     if (few_blocks && (leak_counts || redr_counts)) {
-      require(find_row(table, at) != nullptr, "a whole LEAK or REDR record gives a row");
+      const auto is_there = [at = at](const cache_row& row) { return row.offset == at; };
+      require(std::any_of(rows.begin(), rows.end(), is_there),
+              "a whole LEAK or REDR record gives a row");
     }
     const auto next = std::next(place);
     if (is_url_or_leak(four) && next != signatures.end()) {
@@ -67,19 +76,20 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   require(bytes == expected, "only block counts change, to where the next record begins");
 
   std::ostringstream out;
-  row_writer writer(out, opts);
+  uni::stream_sink sink(out);
+  row_writer writer(sink, opts, directories);
   const auto not_behind = [](const cache_row& a, const cache_row& b) {
     return a.offset >= b.offset;
   };
-  require(std::adjacent_find(table.rows.begin(), table.rows.end(), not_behind) == table.rows.end(),
-          "rows ascend");
-  for (const cache_row& row : table.rows) {
+  require(std::adjacent_find(rows.begin(), rows.end(), not_behind) == rows.end(), "rows ascend");
+  for (const cache_row& row : rows) {
     const auto place = signatures.find(row.offset);
     require(place != signatures.end() && place->second == row.signature,
             "a row stands at its signature");
     out.str("");
-    writer.write_row(table, row, 1);
-    check_text(row, table.directory_of(row), out.str());
+    writer.write_row(row, 1);
+    const bool named = row.directory_index < directories.size();
+    check_text(row, named ? directories[row.directory_index] : "", out.str());
   }
   return 0;
 }

@@ -12,7 +12,6 @@
 #include <string_view>
 #include <vector>
 
-#include "cache/record_table.h"
 #include "media/zk_disk_structs.h"
 #include "text/le_bytes.h"
 
@@ -48,13 +47,6 @@ inline std::vector<std::string> texts_of(const uint8_t* data, size_t size, size_
   }
   if (texts.size() < count) texts.resize(count);
   return texts;
-}
-
-// The row under an offset, or null.
-inline const cache_row* find_row(const record_table& table, uint64_t offset) {
-  const auto is_there = [offset](const cache_row& row) { return row.offset == offset; };
-  const auto place = std::find_if(table.rows.begin(), table.rows.end(), is_there);
-  return place == table.rows.end() ? nullptr : &*place;
 }
 
 // Whether an extent's header makes its tables so large, within what is allowed, that they take

@@ -1,6 +1,7 @@
 #include "cache/cache_row.h"
 
 #include "cache/index_dat.h"
+#include "cache/shown_texts.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 
@@ -38,8 +39,12 @@ std::string source_name(const cmd_opts& opts) {
   return source;
 }
 
-void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts) {
-  row.texts = {record.url, record.user, record.filename, record.http_header};
+cache_row row_from_url(const url_record& record, const cmd_opts& opts) {
+  cache_row row;
+  row.url = record.url;
+  row.user = record.user;
+  row.filename = record.filename;
+  row.http_header = record.http_header;
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
   row.local_time = opts.file_kind == file_kind::mshist || has_local_time_prefix(record.url);
@@ -54,12 +59,14 @@ void row_from_url(cache_row& row, const url_record& record, const cmd_opts& opts
   row.leak_access = dos_field(record, url_layout::leak_access);
   row.directory_index = record.fixed[url_layout::directory_index];
   row.valid = record.valid;
+  return row;
 }
 
-void row_from_redr(cache_row& row, const redr_record& record, const cmd_opts& opts) {
-  row = {};
-  row.texts = {record.url, {}, {}, {}};
+cache_row row_from_redr(const redr_record& record, const cmd_opts& opts) {
+  cache_row row;
+  row.url = record.url;
   row.signature = record.signature();
   row.kind = static_cast<uint8_t>(opts.file_kind);
   row.valid = record.valid;
+  return row;
 }

@@ -1,4 +1,4 @@
-// The readers that bring large inputs to the search block by block: a file, an image or a disk.
+// The readers that bring large inputs to the search chunk by chunk: a file, an image or a disk.
 // They only bring bytes; none knows a record's layout.
 #pragma once
 
@@ -15,6 +15,6 @@ inline constexpr int64_t largest_whole_file = 0x1000000;
 // over and nothing reports it.
 bool scan_raw_source(record_table& table, const cmd_opts& opts);
 
-// Searches the file at `input_path` in blocks of 32768 bytes that overlap by 4096. True if it
+// Searches the file at `input_path` in chunks of 32768 bytes that overlap by 4096. True if it
 // could be opened, whether anything was found or not.
 bool scan_large_file(record_table& table, const cmd_opts& opts);

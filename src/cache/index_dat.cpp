@@ -78,15 +78,15 @@ bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t
   return true;
 }
 
-bool attach_directories(cache_container& container, record_table& table, const uint8_t* bytes,
-                        uint32_t size) {
+bool attach_directories(cache_container& container, std::vector<std::string>& directories,
+                        const uint8_t* bytes, uint32_t size) {
   container = {};
   if (!read_header(container, bytes, size)) return false;
   if (!read_directories(container, bytes, size)) return false;
   // A row's index is a byte, so no name past these is ever asked for.
   const size_t count = std::min<size_t>(container.directories.size(), 256);
   const auto first = container.directories.begin();
-  table.directories.assign(first, first + static_cast<ptrdiff_t>(count));
+  directories.assign(first, first + static_cast<ptrdiff_t>(count));
   return true;
 }
 

@@ -20,7 +20,6 @@
 #include <string>
 #include <vector>
 
-#include "cache/record_scan.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
 #include "opts/cmd_opts.h"
@@ -103,11 +102,11 @@ bool classify_path(cmd_opts& opts);
 // Appends the names of the directory table. False if it doesn't fit.
 bool read_directories(cache_container& container, const uint8_t* bytes, uint32_t size);
 
-// Reads the directory table of a whole file and gives each row the name at its directory index. A
-// row whose index lies past the table keeps its empty name. False, with all rows as they were, if
-// the header is wrong or the table doesn't fit.
-bool attach_directories(cache_container& container, record_table& table, const uint8_t* bytes,
-                        uint32_t size);
+// Replaces `directories` by the names that the directory table of a whole file gives to the
+// directory indexes of its rows. False, with the names as they were, if the header is wrong or the
+// table doesn't fit.
+bool attach_directories(cache_container& container, std::vector<std::string>& directories,
+                        const uint8_t* bytes, uint32_t size);
 
 // Reads the HASH block at `offset` and decodes the records that it lists. False if there is none,
 // its length passes the file's or its first entry reaches the file's end.

@@ -1,15 +1,16 @@
 #include "cache/parse_input.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <iostream>
 #include <new>
 #include <optional>
+#include <string>
 #include <vector>
 
-#include "cache/block_readers.h"
+#include "cache/chunk_readers.h"
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
+#include "cache/record_table.h"
 #include "cache/row_writer.h"
 #include "uni/fileio.h"
 
@@ -27,21 +28,53 @@ bool read_whole(std::vector<uint8_t>& bytes, const uni::fileio& file) {
   return file.read_at(bytes.data(), count, 0);
 }
 
-// Fills the table from a file's bytes. True if there is at least one row.
-bool scan_whole_file(record_table& table, cmd_opts& opts, std::vector<uint8_t>& bytes) {
+// Writes the rows of one input, and ahead of the first the header line if it is still pending.
+class row_output {
+ public:
+  row_output(zk::line_sink& sink, cmd_opts& options) : out(sink), opts(options) {}
+
+  std::vector<std::string> directories;  // names of the input's cache directories, once known
+
+  void write_header() {
+    if (!writer) writer.emplace(out, opts, directories);
+    if (!opts.header_pending || !opts.write_header) return;
+    writer->write_header_line();
+    opts.header_pending = false;
+  }
+
+  void write(const cache_row& row) {
+    write_header();
+    if (opts.write_header) {
+      writer->write_row(row, ++number);
+    } else {
+      out.take("\n");
+    }
+  }
+
+ private:
+  zk::line_sink& out;
+  cmd_opts& opts;
+  std::optional<row_writer> writer;  // made once there is something to write
+  uint64_t number = 0;
+};
+
+// Searches a file's bytes. True if there is at least one row.
+bool scan_whole_file(record_table& table, row_output& output, cmd_opts& opts,
+                     std::vector<uint8_t>& bytes) {
+  table.keep_all();  // until their directories are known
   const auto size = static_cast<uint32_t>(bytes.size());
   classify_path(opts);
   cache_container container;
   if (!opts.any_signature && !read_header(container, bytes.data(), size)) return false;
   opts.any_signature = true;
   if (!scan_buffer(table, opts, bytes.data(), size, 0, 0)) return false;
-  attach_directories(container, table, bytes.data(), size);
-  return !table.rows.empty();
+  attach_directories(container, output.directories, bytes.data(), size);
+  return !table.empty();
 }
 
-// Fills the table from the file at `input_path`. Nothing if the file gives no output at all, not
-// even a header line.
-std::optional<bool> scan_file(record_table& table, cmd_opts& opts) {
+// Searches the file at `input_path`. Nothing if the file gives no output at all, not even a header
+// line.
+std::optional<bool> scan_file(record_table& table, row_output& output, cmd_opts& opts) {
   uni::fileio file(opts.input_path);
   if (!file.is_open()) {
     std::cout << "prob opening " << opts.input_path << " for read, aborting\n" << std::flush;
@@ -55,56 +88,23 @@ std::optional<bool> scan_file(record_table& table, cmd_opts& opts) {
   std::vector<uint8_t> bytes;
   if (!read_whole(bytes, file)) return std::nullopt;
   file.close();
-  return scan_whole_file(table, opts, bytes);
+  return scan_whole_file(table, output, opts, bytes);
 }
-
-// Writes the rows of one input, and ahead of the first the header line if it is still pending.
-class row_output {
- public:
-  row_output(std::ostream& stream, cmd_opts& options, const record_table& rows)
-      : out(stream), opts(options), table(rows) {}
-
-  void write_header() {
-    if (!writer) writer.emplace(out, opts);
-    if (!opts.header_pending || !opts.write_header) return;
-    writer->write_header_line();
-    opts.header_pending = false;
-  }
-
-  void write(const cache_row& row) {
-    write_header();
-    if (opts.write_header) {
-      writer->write_row(table, row, ++number);
-    } else {
-      out << std::endl;
-    }
-  }
-
- private:
-  std::ostream& out;
-  cmd_opts& opts;
-  const record_table& table;
-  std::optional<row_writer> writer;  // made once there is something to write
-  uint64_t number = 0;
-};
 
 }  // namespace
 
-bool parse_input(std::ostream& out, cmd_opts& opts) {
-  record_table table(opts);
-  row_output output(out, opts, table);
-  const auto write = [&output](const cache_row& row) { output.write(row); };
-  table.take_final = write;
+bool parse_input(zk::line_sink& out, cmd_opts& opts) {
+  row_output output(out, opts);
+  record_table table([&output](const cache_row& row) { output.write(row); });
   bool result = false;
   if (!opts.input_path.empty()) {
-    const std::optional<bool> scanned = scan_file(table, opts);
+    const std::optional<bool> scanned = scan_file(table, output, opts);
     if (!scanned) return false;
     result = *scanned;
   } else if (!opts.partition_path.empty() || !opts.vmdk_paths.empty()) {
     result = scan_raw_source(table, opts);
   }
-  // The end makes all that is left final.
   output.write_header();
-  std::for_each(table.rows.begin(), table.rows.end(), write);
+  table.end_input();
   return result;
 }

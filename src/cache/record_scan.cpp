@@ -1,6 +1,9 @@
 #include "cache/record_scan.h"
 
+#include "cache/cache_row.h"
 #include "cache/record_signature.h"
+#include "cache/redr_record.h"
+#include "cache/url_record.h"
 
 namespace {
 
@@ -12,25 +15,25 @@ struct candidate {
   uint64_t position;
 };
 
-bool add_candidate(record_table& table, const cmd_opts& opts, const candidate& place) {
-  cache_row& row = table.decoded_row;
-  if (url_record& url = table.decoded_url;
-      decode_url_at(url, place.bytes, place.limit, place.next)) {
-    if (url.block_count() >= too_many_blocks) return false;
-    row_from_url(row, url, opts);
-  } else {
-    // The count is tested first. A string of noise can be as long as the buffer, and to seek its
-    // end for each of many candidates would take for ever; an accepted count ends it with its own
-    // NULs.
-    if (place.limit < redr_layout::fixed_size) return false;
-    if (zk::load_le32(place.bytes + redr_layout::block_count) >= too_many_blocks) return false;
-    redr_record& redr = table.decoded_redr;
-    if (!decode_redr_record(redr, place.bytes, 0, place.limit)) return false;
-    row_from_redr(row, redr, opts);
-  }
-  row.offset = place.position;
+bool add_row(record_table& table, cache_row row, uint64_t position) {
+  row.offset = position;
   table.add(row);
   return true;
+}
+
+bool add_candidate(record_table& table, const cmd_opts& opts, const candidate& place) {
+  url_record url;
+  if (decode_url_at(url, place.bytes, place.limit, place.next)) {
+    if (url.block_count() >= too_many_blocks) return false;
+    return add_row(table, row_from_url(url, opts), place.position);
+  }
+  // The count is tested first: to seek the end of a string in noise, for each of many candidates,
+  // takes quadratic time. An accepted count holds a NUL, which ends the string.
+  if (place.limit < redr_layout::fixed_size) return false;
+  if (zk::load_le32(place.bytes + redr_layout::block_count) >= too_many_blocks) return false;
+  redr_record redr;
+  if (!decode_redr_record(redr, place.bytes, 0, place.limit)) return false;
+  return add_row(table, row_from_redr(redr, opts), place.position);
 }
 
 }  // namespace
@@ -52,7 +55,8 @@ bool scan_buffer(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint
     next = find_next_record(bytes + done, left);
     found = true;
     if (table.holds(base + done)) {
-      // All that decoding it again would add. A short read leaves these bytes to the next search.
+      // A block count that decoding would correct is its one side effect on the bytes, and it must
+      // show in them: where the next read is short, they are searched again.
       correct_block_count(bytes + done, left, next);
     } else {
       add_candidate(table, opts, {bytes + done, left, next, base + done});

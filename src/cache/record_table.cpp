@@ -1,54 +1,59 @@
 #include "cache/record_table.h"
 
 #include <algorithm>
+#include <cassert>
+#include <string_view>
 
 #include "cache/record_signature.h"
 
-void record_table::add_to_kept(const cache_row& row) {
-  // Only blocks that overlap bring rows ahead of others, or again.
-  if (!rows.empty() && rows.back().offset >= row.offset) return insert(row);
-  release_final();
-  if (is_final(row)) return take_final(row);  // and so are all ahead of it, none of which is left
-  keep_texts(rows.emplace_back(row));
+record_table::kept_row::kept_row(const cache_row& from) : row(from) {
+  texts.reserve(row.url.size() + row.user.size() + row.filename.size() + row.http_header.size());
+  for (const std::string_view text : {row.url, row.user, row.filename, row.http_header}) {
+    texts.insert(texts.end(), text.begin(), text.end());
+  }
+  const char* begin = texts.data();
+  for (std::string_view* text : {&row.url, &row.user, &row.filename, &row.http_header}) {
+    *text = {begin, text->size()};
+    begin += text->size();
+  }
 }
 
-void record_table::insert(const cache_row& row) {
-  if (holds(row.offset)) return;
-  const auto is_ahead = [&row](const cache_row& each) { return each.offset < row.offset; };
-  const auto ahead = std::find_if(rows.rbegin(), rows.rend(), is_ahead);
-  keep_texts(*rows.insert(ahead.base(), row));
+void record_table::add(const cache_row& row) {
+  assert(row.offset >= first_searched);
+  release_ahead_of(std::min(row.offset, first_open));
+  if (row.offset < first_open) {
+    // What is kept ahead of it has left.
+    if (!holds(row.offset)) take_final(row);
+    return;
+  }
+  const auto place = first_not_ahead_of(row.offset);
+  if (place == rows.end() || place->row.offset != row.offset) rows.emplace(place, row);
 }
 
-bool record_table::has_kept(uint64_t offset) const {
-  const auto not_behind = [offset](const cache_row& row) { return row.offset <= offset; };
-  const auto last = std::find_if(rows.rbegin(), rows.rend(), not_behind);
-  return last != rows.rend() && last->offset == offset;
+bool record_table::holds(uint64_t offset) const {
+  if (rows.empty()) return false;
+  const auto place = first_not_ahead_of(offset);
+  return place != rows.end() && place->row.offset == offset;
 }
 
-void record_table::next_block_at(uint64_t position) {
-  // A block's search begins at its second place on the grid.
+void record_table::next_chunk_at(uint64_t position) {
+  if (keeps_all) return;
+  assert(position + block_size >= first_open);
+  first_searched = first_open;
   first_open = position + block_size;
 }
 
-void record_table::end_block() {
-  release_final();
-  if (first_open == 0) return;  // all rows wait
-  text_arena& left = *arena;
-  arena = arena == &arenas[0] ? &arenas[1] : &arenas[0];
-  for (cache_row& row : rows) keep_texts(row);
-  left.memory.release();
+void record_table::end_input() {
+  for (; !rows.empty(); rows.pop_front()) take_final(rows.front().row);
 }
 
-void record_table::release_final() {
-  for (; !rows.empty() && is_final(rows.front()); rows.pop_front()) take_final(rows.front());
+record_table::kept_rows::const_iterator record_table::first_not_ahead_of(uint64_t offset) const {
+  return std::lower_bound(rows.begin(), rows.end(), offset,
+                          [](const kept_row& kept, uint64_t at) { return kept.row.offset < at; });
 }
 
-// Copies the texts to the table's memory.
-void record_table::keep_texts(cache_row& row) {
-  row.texts.move_to(static_cast<char*>(arena->memory.allocate(row.texts.size(), 1)));
-}
-
-std::string_view record_table::directory_of(const cache_row& row) const {
-  if (row.directory_index >= directories.size()) return {};
-  return directories[row.directory_index];
+void record_table::release_ahead_of(uint64_t offset) {
+  for (; !rows.empty() && rows.front().row.offset < offset; rows.pop_front()) {
+    take_final(rows.front().row);
+  }
 }

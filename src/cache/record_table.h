@@ -1,74 +1,65 @@
-// The rows of one input that aren't written yet, in ascending offset, and the memory in which their
-// texts stand. The table is a window that moves over the input: rows come in as blocks are searched
-// and, where it is told of each next block, leave as soon as they are final. Most are so at once,
-// and aren't kept at all.
+// The rows of one input that aren't written yet, in ascending offset: a window that moves over the
+// input. Rows come in as it is searched, and leave once they are final: no later search can find a
+// record ahead of them, or under their offset again. The table alone decides that.
+//
+// A large input is searched in chunks that overlap. The search of a chunk begins 128 bytes into it,
+// so that all ahead of that place in the next chunk is final once this search is past it. Most rows
+// are final as they come, and aren't kept at all.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <memory_resource>
-#include <string>
-#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "cache/cache_row.h"
 
-struct record_table {
-  explicit record_table(const cmd_opts& opts) : source(source_name(opts)) {}
+class record_table {
+ public:
+  // Gets the rows in ascending offset. The texts of a row are gone after the call.
+  using row_taker = std::function<void(const cache_row&)>;
+
+  explicit record_table(row_taker final_rows) : take_final(std::move(final_rows)) {}
   record_table(const record_table&) = delete;
   record_table& operator=(const record_table&) = delete;
 
   // Takes a row whose texts may be gone after the call. The first one under an offset stays, others
-  // are dropped. Throws std::bad_alloc.
-  void add(const cache_row& row) {
-    if (rows.empty() && is_final(row)) return take_final(row);  // as nearly all are
-    add_to_kept(row);
-  }
+  // are dropped. Within a chunk rows come in ascending offset. Throws std::bad_alloc.
+  void add(const cache_row& row);
 
   // Whether a row under the offset is kept.
-  bool holds(uint64_t offset) const { return !rows.empty() && has_kept(offset); }
+  bool holds(uint64_t offset) const;
+  bool empty() const { return rows.empty(); }
 
-  // Tells, ahead of a block's search, that all later blocks begin at `position` or behind it. A row
-  // ahead of the first place that they can search is final once the search of this block is past
-  // it: none can come ahead of it or under its offset any more. A table that isn't told keeps all.
-  void next_block_at(uint64_t position);
+  // No row leaves before the input's end. To be said ahead of the first row.
+  void keep_all() { keeps_all = true; }
 
-  // Tells that the block's search has ended: all of its rows that can be final are.
-  void end_block();
+  // Tells, ahead of a chunk's search, that all later chunks begin at `position` or behind it.
+  void next_chunk_at(uint64_t position);
 
-  // The row's cache directory, empty where its index lies past the last one.
-  std::string_view directory_of(const cache_row& row) const;
-
-  const std::string source;              // the input's name
-  std::vector<std::string> directories;  // filled once the scan is over; at most 256
-  std::deque<cache_row> rows;
-  std::function<void(const cache_row&)> take_final;  // gets each row that is final
-  // The candidate that is being decoded, here so that none is made for each.
-  url_record decoded_url;
-  redr_record decoded_redr;
-  cache_row decoded_row;
+  // Tells that the chunk's search has ended, or that of the whole input.
+  void end_chunk() { release_ahead_of(first_open); }
+  void end_input();
 
  private:
-  void add_to_kept(const cache_row& row);
-  bool has_kept(uint64_t offset) const;
-  bool is_final(const cache_row& row) const { return row.offset < first_open; }
-  void release_final();
-  void insert(const cache_row& row);
-  void keep_texts(cache_row& row);
-
-  uint64_t first_open = 0;  // the first place that later blocks can search
-
-  // At the end of a block, the texts of the few rows that stay are copied to the other arena, and
-  // this one is emptied at once. Its first texts stand in `first`, so that a small input takes no
-  // more memory.
-  struct text_arena {
-    std::array<char, 8192> first;
-    std::pmr::monotonic_buffer_resource memory{first.data(), first.size()};
+  // A row with a copy of its texts.
+  struct kept_row {
+    explicit kept_row(const cache_row& from);
+    kept_row(kept_row&&) = default;
+    kept_row& operator=(kept_row&&) = default;
+    cache_row row;
+    std::vector<char> texts;
   };
+  using kept_rows = std::deque<kept_row>;
 
-  std::array<text_arena, 2> arenas;
-  text_arena* arena = arenas.data();
+  kept_rows::const_iterator first_not_ahead_of(uint64_t offset) const;
+  void release_ahead_of(uint64_t offset);
+
+  kept_rows rows;
+  row_taker take_final;
+  bool keeps_all = false;
+  uint64_t first_searched = 0;  // the first place that this chunk's search can reach
+  uint64_t first_open = 0;  // the first that those of later chunks can: ahead of it rows are final
 };

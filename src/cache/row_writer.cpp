@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <limits>
 
+#include "cache/shown_texts.h"
 #include "time/shown_fields.h"
 
 namespace {
@@ -16,38 +18,43 @@ constexpr std::string_view titles[] = {
     "HTTP header",   "index.dat filename"};
 constexpr std::string_view utc_label = " UTC";
 constexpr std::string_view local_label = " local";
-constexpr int verbose_cells = 6;  // user to HTTP header
-constexpr size_t longest_number = 10;
-// From the type on: the type itself, the file size and the count, whose lengths aren't at hand.
-constexpr size_t cells_behind_times = 8;
-constexpr size_t most_in_numbers = 4 + 2 * longest_number;
 
-zk::dos_pair dos_words(uint32_t pair) {
-  return {static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)};
-}
-
-char* put(char* at, std::string_view text) {
+char* put_as_stored(char* at, std::string_view text) {
   return std::copy(text.begin(), text.end(), at);
 }
 
-// Writes a number, and up to `longest_number` bytes in all: to copy as many as the number has would
-// take a choice that the processor guesses wrong.
-char* put_number(char* at, uint32_t value) {
-  std::array<char, 2 * longest_number> digits = {};
-  char* const end = digits.data() + longest_number;
-  char* begin = end;
-  for (; value >= 100; value /= 100) zk::put_two_digits(begin -= 2, value % 100);
-  zk::put_two_digits(begin -= 2, value);
-  if (value < 10) ++begin;
-  std::copy_n(begin, longest_number, at);
-  return at + (end - begin);
-}
-
-// Writes a text that is mostly a single character.
+// Mostly a single character, for which a call to copy it would take 7% of a row.
 char* put_separator(char* at, std::string_view separator) {
-  if (separator.size() != 1) return put(at, separator);
+  if (separator.size() != 1) return put_as_stored(at, separator);
   *at = separator[0];
   return at + 1;
+}
+
+// The kinds of cells: how many bytes one takes at most, and how it is written.
+struct type_cell {
+  uint32_t signature;
+  size_t space() const { return sizeof(signature); }
+  char* put(char* at) const {
+    zk::store_le32(reinterpret_cast<uint8_t*>(at), signature);
+    return at + sizeof(signature);
+  }
+};
+
+struct number_cell {
+  uint32_t value;
+  size_t space() const { return std::numeric_limits<uint32_t>::digits10 + 1; }
+  char* put(char* at) const { return std::to_chars(at, at + space(), value).ptr; }
+};
+
+struct text_cell {
+  std::string_view text;
+  char* (*put_text)(char*, std::string_view) = put_as_stored;
+  size_t space() const { return text.size(); }
+  char* put(char* at) const { return put_text(at, text); }
+};
+
+zk::dos_pair dos_words(uint32_t pair) {
+  return {static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)};
 }
 
 // Calls `show` with the value of each time of a row, in the order of the columns, and whether it is
@@ -66,38 +73,51 @@ void for_each_time(const cache_row& row, Show show) {
 
 }  // namespace
 
-row_writer::row_writer(std::ostream& stream, const cmd_opts& options)
-    : out(stream),
-      file_buffer(dynamic_cast<uni::fileio_ostream*>(stream.rdbuf())),
-      opts(options),
+row_writer::row_writer(zk::line_sink& out, const cmd_opts& options,
+                       const std::vector<std::string>& directory_names)
+    : opts(options),
+      directories(directory_names),
+      source(source_name(opts)),
       utc_format(opts.date_format, opts.time_format, opts.csv_separator, utc_label),
-      local_format(opts.date_format, opts.time_format, opts.csv_separator, local_label) {}
+      local_format(opts.date_format, opts.time_format, opts.csv_separator, local_label),
+      line(out) {}
 
 void row_writer::write_header_line() {
-  begin_line();
+  line.begin();
   if (opts.carve_columns) {
     for (const std::string_view title : carve_titles) append_cell(title);
   }
   for (const std::string_view title : titles) append_cell(title);
   line.drop_last(opts.csv_separator.size());
-  end_line();
+  line.end();
 }
 
-void row_writer::write_row(const record_table& table, const cache_row& row, uint64_t number) {
-  begin_line();
+void row_writer::write_row(const cache_row& row, uint64_t number) {
+  line.begin();
   if (opts.carve_columns) append_carve_cells(row, number);
   if (opts.use_locale) {
     append_locale_pairs(row);
   } else {
     append_masked_pairs(row);
   }
-  append_other_cells(table, row);
-  end_line();
+  append_other_cells(row);
+  line.put(source);
+  line.end();
 }
 
 void row_writer::append_cell(std::string_view text) {
   line.put(text);
   line.put(opts.csv_separator);
+}
+
+// One reservation for all of them: a row's time goes to such small steps.
+template <class... Cells>
+void row_writer::append_cells(const Cells&... cells) {
+  const std::string_view separator = opts.csv_separator;
+  line.put((0 + ... + (cells.space() + separator.size())), [&](char* at) {
+    ((at = put_separator(cells.put(at), separator)), ...);
+    return at;
+  });
 }
 
 void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
@@ -114,43 +134,29 @@ void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
   append_cell(offset);
 }
 
-void row_writer::append_other_cells(const record_table& table, const cache_row& row) {
-  const std::string_view separator = opts.csv_separator;
-  const std::string_view directory = table.directory_of(row);
-  const size_t texts = row.texts.size() + directory.size() + table.source.size();
-  line.put(texts + most_in_numbers + cells_behind_times * separator.size(), [&](char* at) {
-    const auto end_cell = [separator](char* end) { return put_separator(end, separator); };
-    zk::store_le32(reinterpret_cast<uint8_t*>(at), row.signature);
-    at = end_cell(at + sizeof(row.signature));
-    const auto put_url = row.is_redirect() ? put_shown_redirect : put_shown;
-    at = end_cell(put_url(at, row.texts.url()));
-    if (opts.verbose) {
-      at = end_cell(put(at, row.texts.user()));
-      at = end_cell(put_shown(at, row.texts.filename()));
-      at = end_cell(put_number(at, row.file_size));
-      at = end_cell(put(at, directory));
-      at = end_cell(put_number(at, row.count));
-      at = end_cell(put_shown_header(at, row.texts.http_header()));
-    } else {
-      for (int i = 0; i < verbose_cells; ++i) at = end_cell(at);
-    }
-    return put(at, table.source);
-  });
+void row_writer::append_other_cells(const cache_row& row) {
+  const type_cell type = {row.signature};
+  const text_cell url = {row.url, row.is_redirect() ? put_shown_redirect : put_shown};
+  if (opts.verbose) {
+    append_cells(type, url, text_cell{row.user}, text_cell{row.filename, put_shown},
+                 number_cell{row.file_size}, text_cell{directory_of(row)}, number_cell{row.count},
+                 text_cell{row.http_header, put_shown_header});
+  } else {
+    const text_cell none = {};
+    append_cells(type, url, none, none, none, none, none, none);
+  }
 }
 
 // Flat: calls on a time's way to its digits would take a tenth of a row's instructions.
 [[gnu::flatten]] void row_writer::append_masked_pairs(const cache_row& row) {
-  const std::string_view separator = opts.csv_separator;
-  line.put(4 * local_format.space(), [&](char* at) {
-    for_each_time(row, [&](auto value, bool is_local) {
-      zk::_windows_systemtime fields;
-      if (zk::shown_fields(value, fields)) {
-        at = (is_local ? local_format : utc_format).put(at, fields);
-      } else {
-        at = put_separator(put_separator(at, separator), separator);
-      }
-    });
-    return at;
+  for_each_time(row, [&](auto value, bool is_local) {
+    zk::_windows_systemtime fields;
+    if (zk::shown_fields(value, fields)) {
+      const zk::masked_format& format = is_local ? local_format : utc_format;
+      line.put(format.space(), [&](char* at) { return format.put(at, fields); });
+    } else {
+      append_cells(text_cell{}, text_cell{});
+    }
   });
 }
 
@@ -167,18 +173,7 @@ void row_writer::append_locale_pairs(const cache_row& row) {
   });
 }
 
-void row_writer::begin_line() {
-  line.begin(file_buffer ? file_buffer->space() : std::span<char>());
-}
-
-void row_writer::end_line() {
-  line.put('\n');
-  if (line.in_lent_space()) return file_buffer->advance(line.size());
-  // What `write` and `flush` do, with the stream's state looked at once for both.
-  if (!out.good()) return;
-  std::streambuf& buffer = *out.rdbuf();
-  const auto size = static_cast<std::streamsize>(line.size());
-  if (buffer.sputn(line.text().data(), size) != size || buffer.pubsync() == -1) {
-    out.setstate(std::ios::badbit);
-  }
+std::string_view row_writer::directory_of(const cache_row& row) const {
+  if (row.directory_index >= directories.size()) return {};
+  return directories[row.directory_index];
 }

@@ -4,40 +4,41 @@
 #pragma once
 
 #include <cstdint>
-#include <ostream>
+#include <string>
 #include <string_view>
+#include <vector>
 
-#include "cache/record_table.h"
+#include "cache/cache_row.h"
 #include "opts/cmd_opts.h"
+#include "text/line_sink.h"
 #include "text/text_line.h"
 #include "time/time_format.h"
-#include "uni/fileio_output.h"
 
-// Serves the rows of one input. The stream and the options are borrowed. A results file's lines are
-// composed in the buffer of its stream, where they fit; all others in one reused text, which is
-// handed to the stream whole, and that is then flushed. A failing stream isn't looked at.
+// Serves the rows of one input, that which `opts` names as it is made. Sink, options and names are
+// borrowed.
 class row_writer {
  public:
-  row_writer(std::ostream& out, const cmd_opts& opts);
+  // `directories` are the names of the input's cache directories, once they are known.
+  row_writer(zk::line_sink& out, const cmd_opts& opts, const std::vector<std::string>& directories);
 
   void write_header_line();
 
-  // Writes a row of the table. `number` is the row's, from 1, and is shown with the carve columns
-  // alone.
-  void write_row(const record_table& table, const cache_row& row, uint64_t number);
+  // `number` is the row's, from 1, and is shown with the carve columns alone.
+  void write_row(const cache_row& row, uint64_t number);
 
  private:
   void append_cell(std::string_view text);
+  template <class... Cells>
+  void append_cells(const Cells&... cells);
   void append_carve_cells(const cache_row& row, uint64_t number);
-  void append_other_cells(const record_table& table, const cache_row& row);
+  void append_other_cells(const cache_row& row);
   void append_masked_pairs(const cache_row& row);
   void append_locale_pairs(const cache_row& row);
-  void begin_line();
-  void end_line();
+  std::string_view directory_of(const cache_row& row) const;
 
-  std::ostream& out;
-  uni::fileio_ostream* const file_buffer;  // a results file's; null for any other stream
   const cmd_opts& opts;
+  const std::vector<std::string>& directories;
+  const std::string source;
   const zk::masked_format utc_format;
   const zk::masked_format local_format;
   zk::text_line line;

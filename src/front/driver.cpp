@@ -21,11 +21,13 @@
 #include "gate/licence_gate.h"
 #include "media/disk_chain_check.h"
 #include "opts/cmd_opts.h"
+#include "text/line_sink.h"
 #include "text/path_text.h"
 #include "text/zk_wide.h"
 #include "time/zk_time.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
+#include "uni/fileio_output.h"
 
 namespace {
 
@@ -35,20 +37,25 @@ class results_stream {
   // False, with a message, if the results file can't be opened.
   bool open(const cmd_opts& opts) {
     if (opts.out_path.empty()) return true;
-    if (file.open(opts.out_path, uni::fileio::access::write_truncated))
-      stream = file.attach_output();
-    if (file.is_open() && stream) return true;
+    if (file.open(opts.out_path, uni::fileio::access::write_truncated)) {
+      file_output = file.attach_output();
+    }
+    if (file_output) return true;
     std::fprintf(stderr, "prob opening results file: %s for writing\n", opts.out_path.c_str());
     return false;
   }
 
-  std::ostream& out() { return *stream; }
-
-  int descriptor() const { return file.is_open() ? file.descriptor() : STDOUT_FILENO; }
+  std::ostream& out() { return file_output ? *file_output : std::cout; }
+  zk::line_sink& rows() {
+    if (file_output) return *file_output;
+    return standard_output;
+  }
+  int descriptor() const { return file_output ? file.descriptor() : STDOUT_FILENO; }
 
  private:
   uni::fileio file;
-  std::ostream* stream = &std::cout;
+  uni::fileio_output* file_output = nullptr;  // the file's
+  uni::stream_sink standard_output{std::cout};
 };
 
 int ignore_signal(const std::string&) {
@@ -77,7 +84,7 @@ void take_locale(argument_list& args, cmd_opts& opts) {
 }
 
 // Parses one input. False too if there isn't the memory for its rows.
-bool parse_guarded(std::ostream& out, cmd_opts& opts) {
+bool parse_guarded(zk::line_sink& out, cmd_opts& opts) {
   try {
     return parse_input(out, opts);
   } catch (const std::bad_alloc&) {
@@ -85,13 +92,13 @@ bool parse_guarded(std::ostream& out, cmd_opts& opts) {
   }
 }
 
-int parse_one_input(std::ostream& out, cmd_opts& opts) {
+int parse_one_input(zk::line_sink& out, cmd_opts& opts) {
   if (parse_guarded(out, opts)) return run_done;
   uni::message("probs parsing file: %s\n", opts.input_path.c_str());
   return run_failed;
 }
 
-int run_partition(std::ostream& out, cmd_opts& opts) {
+int run_partition(zk::line_sink& out, cmd_opts& opts) {
   if (!licence_gate::allows_option("-partition")) return run_failed;
   // Deliberate: nothing sets this, so the option is refused in every run.
   if (!opts.admin_rights) {
@@ -101,20 +108,20 @@ int run_partition(std::ostream& out, cmd_opts& opts) {
   return parse_one_input(out, opts);
 }
 
-int run_disk(argument_list& args, std::ostream& out, cmd_opts& opts) {
+int run_disk(argument_list& args, zk::line_sink& out, cmd_opts& opts) {
   if (!licence_gate::allows_option("-vmdk")) return run_failed;
   if (!parse_vmdk_options(opts, args, disk_chain_check, nullptr, true, "-vmdk")) return run_failed;
   for (const std::wstring& path : opts.vmdk_paths) licence_gate::see_file(zk::wide_to_utf8(path));
   return parse_one_input(out, opts);
 }
 
-int run_file(std::ostream& out, cmd_opts& opts) {
+int run_file(zk::line_sink& out, cmd_opts& opts) {
   opts.input_path = expand_env(opts.input_path, true);
   licence_gate::see_file(opts.input_path);
   return parse_one_input(out, opts);
 }
 
-int run_list(std::ostream& out, cmd_opts& opts) {
+int run_list(zk::line_sink& out, cmd_opts& opts) {
   zkportdir::stdin_stream_ex paths;
   if (!opts.pipe && !paths.open_walk(opts.enumdir_path, opts.num_subdirs, opts.filters)) {
     return run_done;
@@ -137,7 +144,7 @@ int run_list(std::ostream& out, cmd_opts& opts) {
 }
 
 // Exactly one mode runs: the first whose option is there.
-int run_mode(argument_list& args, std::ostream& out, cmd_opts& opts) {
+int run_mode(argument_list& args, zk::line_sink& out, cmd_opts& opts) {
   if (take_option("-partition", opts.partition_path, args)) return run_partition(out, opts);
   std::string disk;
   if (get_option_value("-vmdk", disk, args, 1)) return run_disk(args, out, opts);
@@ -172,7 +179,7 @@ int run_steps(int argc, const char* const* argv) {
   opts.results_fd = results.descriptor();
   results.out() << run_header << std::endl;
   take_locale(args, opts);
-  return run_mode(args, results.out(), opts);
+  return run_mode(args, results.rows(), opts);
 }
 
 }  // namespace

@@ -2,27 +2,36 @@
 #pragma once
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <span>
 #include <string_view>
 #include <vector>
 
+#include "text/line_sink.h"
+
 namespace zk {
 
-// It stands in space that is lent to it, or where that is too narrow, in memory of its own. That is
-// kept, so that only a line longer than all before it takes more.
+// It stands in memory that its sink lends, or where that is too narrow, in memory of its own. That
+// is kept, so that only a line longer than all before it takes more.
 class text_line {
  public:
+  // The sink is borrowed.
+  explicit text_line(line_sink& target) : sink(target) {}
+
   // Begins an empty line.
-  void begin(std::span<char> space) {
-    bytes = space;
+  void begin() {
+    bytes = sink.space();
     used = 0;
     is_lent = true;
   }
 
-  size_t size() const { return used; }
-  std::string_view text() const { return {bytes.data(), used}; }
-  bool in_lent_space() const { return is_lent; }
+  // Ends the line with a line feed and hands it to the sink.
+  void end() {
+    put('\n');
+    if (is_lent) return sink.advance(used);
+    sink.take({bytes.data(), used});
+  }
 
   void put(char c) {
     *space_for(1) = c;
@@ -33,16 +42,29 @@ class text_line {
     used += text.size();
   }
   // For a writer that knows only how long its text is at most: `write` gets the place of the next
-  // byte and returns the one behind its text.
+  // byte and returns the one behind its text. It must not write more than `most` bytes.
   template <class Writer>
   void put(size_t most, Writer write) {
     char* const begin = space_for(most);
+#ifdef NDEBUG
     used += static_cast<size_t>(write(begin) - begin);
+#else
+    // In memory of just that size, where a write behind it shows.
+    std::vector<char> text(most + 1, guard);
+    const auto size = static_cast<size_t>(write(text.data()) - text.data());
+    assert(size <= most && text[most] == guard);
+    std::copy_n(text.data(), size, begin);
+    used += size;
+#endif
   }
 
-  void drop_last(size_t count) { used -= count; }
+  void drop_last(size_t count) {
+    used -= count;
+  }
 
  private:
+  static constexpr char guard = '\x7F';
+
   char* space_for(size_t count) {
     if (count > bytes.size() - used) widen(used + count);
     return bytes.data() + used;
@@ -55,6 +77,7 @@ class text_line {
     is_lent = false;
   }
 
+  line_sink& sink;
   std::span<char> bytes;
   size_t used = 0;
   bool is_lent = true;

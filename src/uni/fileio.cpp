@@ -64,6 +64,8 @@ size_t read_fully(int fd, uint8_t* buffer, size_t count, uint64_t offset) {
 
 }  // namespace
 
+fileio::fileio() = default;
+
 fileio::fileio(std::string_view wanted, bool write, bool keep, bool truncate)
     : fileio(zk::utf8_to_wide(wanted), write, keep, truncate) {}
 
@@ -222,7 +224,7 @@ bool fileio::set_permissions(const std::string& mode) {
   return ::fchmod(fd, number) == 0;
 }
 
-std::ostream* fileio::attach_output() {
+fileio_output* fileio::attach_output() {
   if (!is_open()) return nullptr;
   try {
     attached_output = std::make_unique<fileio_output>(this, output_buffer_size);

@@ -9,7 +9,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <ostream>
 #include <sstream>
 #include <string>
 #include <string_view>
@@ -22,13 +21,15 @@ namespace uni {
 // The size of the buffer between a results stream and its file, in bytes.
 inline constexpr int output_buffer_size = 262144;
 
+class fileio_output;
+
 class fileio {
  public:
   // What an opened file is for: to be read; to be read and written; or that and created if it is
   // missing, emptied if it isn't.
   enum class access { read, write, write_truncated };
 
-  fileio() = default;
+  fileio();
   // Opens at once, as `open` does; a failure leaves the object empty.
   explicit fileio(std::string_view path, bool write = false, bool keep = false,
                   bool truncate = false);
@@ -96,7 +97,7 @@ class fileio {
   // Makes a buffered output stream that appends to this file. The stream belongs to the file; its
   // rows reach the file in blocks and when it is closed. Null if nothing is open or there isn't
   // the memory.
-  [[nodiscard]] std::ostream* attach_output();
+  [[nodiscard]] fileio_output* attach_output();
 
   // Brings the attached output's bytes to the file, then closes it. The object is empty again.
   void close();
@@ -113,7 +114,7 @@ class fileio {
   std::vector<uint8_t> memory;
   bool memory_mode = false;
   mutable uint64_t memory_pos = 0;  // the end of the last access to `memory`; nothing reads it
-  std::unique_ptr<std::ostream> attached_output;
+  std::unique_ptr<fileio_output> attached_output;
 };
 
 // Replaces `out` by the first `limit` bytes of the file at `path`, or by all if it has fewer.

@@ -18,12 +18,20 @@ int fileio_ostream::write_bytes(const char* data, int count) {
 }
 
 fileio_output::fileio_output(fileio* file, int buffer_size)
-    : std::ostream(nullptr), file_buffer(file, buffer_size), attached(file_buffer.file_was_open()) {
-  if (attached) rdbuf(&file_buffer);
+    : std::ostream(nullptr), buffer(file, buffer_size), attached(buffer.file_was_open()) {
+  if (attached) rdbuf(&buffer);
 }
 
 fileio_output::~fileio_output() {
   if (attached) flush();
+}
+
+void fileio_output::take(std::string_view line) {
+  write(line.data(), static_cast<std::streamsize>(line.size()));
+}
+
+void stream_sink::take(std::string_view line) {
+  stream.write(line.data(), static_cast<std::streamsize>(line.size())).flush();
 }
 
 }  // namespace uni

@@ -6,7 +6,10 @@
 #include <ostream>
 #include <span>
 #include <streambuf>
+#include <string_view>
 #include <vector>
+
+#include "text/line_sink.h"
 
 namespace uni {
 
@@ -74,7 +77,7 @@ class streambuf_generic_output : public std::basic_streambuf<Char, Traits> {
   bool ready;
 };
 
-// The buffer over a file, which it doesn't own and which must outlive it.
+// The stream's buffer, over a file that it doesn't own and that must outlive it.
 class fileio_ostream : public streambuf_generic_output<char> {
  public:
   fileio_ostream(fileio* file, int buffer_size);
@@ -92,15 +95,34 @@ class fileio_ostream : public streambuf_generic_output<char> {
   bool was_open;
 };
 
-// The stream. Over a file that isn't open it has no buffer and refuses all output.
-class fileio_output : public std::ostream {
+// The stream, and a sink of lines, which are composed in its buffer where they fit. Over a file
+// that isn't open it has no buffer and refuses all output.
+class fileio_output : public std::ostream, public zk::line_sink {
  public:
   fileio_output(fileio* file, int buffer_size);
   ~fileio_output() override;
 
+  std::span<char> space() override { return attached ? buffer.space() : std::span<char>(); }
+  void advance(size_t count) override { buffer.advance(count); }
+  void take(std::string_view line) override;
+
  private:
-  fileio_ostream file_buffer;
+  fileio_ostream buffer;
   bool attached;
+};
+
+// A sink that hands each line to a stream, which it borrows, and flushes it. A failing stream isn't
+// looked at.
+class stream_sink : public zk::line_sink {
+ public:
+  explicit stream_sink(std::ostream& out) : stream(out) {}
+
+  std::span<char> space() override { return {}; }
+  void advance(size_t) override {}
+  void take(std::string_view line) override;
+
+ private:
+  std::ostream& stream;
 };
 
 // Takes everything and keeps nothing.

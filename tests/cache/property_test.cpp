@@ -10,6 +10,7 @@
 #include "text/zk_wide.h"
 #include "tools/random_index_builder.h"
 #include "tools/vmdk_builder.h"
+#include "uni/fileio_output.h"
 
 namespace {
 
@@ -185,7 +186,8 @@ struct RandomIndexes : testing::Test, sample::random_index_builder {
     std::ostringstream out;
     opts.results_fd = once_in(5) ? STDERR_FILENO : -1;  // or rows wait
     testing::internal::CaptureStderr();
-    EXPECT_EQ(parse_input(out, opts), succeeds);
+    uni::stream_sink sink(out);
+    EXPECT_EQ(parse_input(sink, opts), succeeds);
     testing::internal::GetCapturedStderr();
     if (out.str() != expected) ADD_FAILURE() << explained(out.str(), rows);
   }

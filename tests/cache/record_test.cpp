@@ -1,5 +1,5 @@
 // The decoders, each bound on both sides.
-#include "cache/record_texts.h"
+#include "cache/shown_texts.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
 #include "tests/support/check_cases.h"

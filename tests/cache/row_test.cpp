@@ -2,21 +2,25 @@
 #include <sstream>
 
 #include "cache/index_dat.h"
+#include "cache/record_scan.h"
 #include "cache/row_writer.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
 #include "tools/index_text_builder.h"
+#include "uni/fileio_output.h"
 
 namespace {
 
 // The header line where it is wanted, and the record's line.
 std::string lines_of(index_text_builder bytes, const cmd_opts& opts, bool with_titles = false) {
-  record_table table(opts);
-  add_record(table, opts, bytes.data(), bytes.size(), 0x4200);
   std::ostringstream out;
-  row_writer writer(out, opts);
+  uni::stream_sink sink(out);
+  const strings no_directories;
+  row_writer writer(sink, opts, no_directories);
   if (with_titles) writer.write_header_line();
-  writer.write_row(table, table.rows.at(0), 7);
+  record_table table([&](const cache_row& row) { writer.write_row(row, 7); });
+  add_record(table, opts, bytes.data(), bytes.size(), 0x4200);
+  table.end_input();
   return out.str();
 }
 
@@ -54,11 +58,12 @@ struct failing_once : std::stringbuf {
 
 TEST(Row, NoneFollowsOneThatCouldNotBeWritten) {
   const cmd_opts opts;
-  record_table table(opts);
+  const strings no_directories;
   failing_once buffer;
   std::ostream out(&buffer);
-  row_writer writer(out, opts);
-  for (int i = 0; i < 3; ++i) writer.write_row(table, {}, 1);
+  uni::stream_sink sink(out);
+  row_writer writer(sink, opts, no_directories);
+  for (int i = 0; i < 3; ++i) writer.write_row({}, 1);
   EXPECT_EQ(buffer.lines, 2);
 }
 

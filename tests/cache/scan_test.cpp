@@ -6,6 +6,7 @@
 #include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"
 #include "tools/index_builder.h"
+#include "uni/fileio_output.h"
 
 namespace {
 
@@ -14,22 +15,20 @@ using sample::record;
 
 TEST(Scan, TellsWhatItMet) {
   const cmd_opts opts;
-  record_table table(opts);
+  record_table table(nullptr);
   byte_vector noise(1024, 'x'), good = record::redr("r").bytes();
   EXPECT_FALSE(scan_buffer(table, opts, noise.data(), 1024, 0, 0));
   std::copy_n("REDR", 4, &noise[128]);
   EXPECT_TRUE(scan_buffer(table, opts, noise.data(), 1024, 0, 0));
   EXPECT_FALSE(add_record(table, opts, &noise[128], 896, 128));
-  // A string of noise can be as long as the buffer: a count too large ends it before its end is
-  // sought.
-  EXPECT_EQ(table.decoded_redr.url, "");
   EXPECT_FALSE(add_record(table, opts, good.data(), 16, 128));
   for (int i = 0; i < 2; ++i) EXPECT_TRUE(add_record(table, opts, good.data(), 17, 128));
   for (const auto& [size, found] : {std::pair{3u, no_record}, {132u, no_record}, {133u, 128u}}) {
     EXPECT_EQ(find_next_record(noise.data(), size), found) << size;
   }
   EXPECT_EQ(find_next_record(nullptr, 1024), no_record);
-  EXPECT_FALSE(decode_url_record(table.decoded_url, nullptr, 0, 200, 1));
+  url_record none;
+  EXPECT_FALSE(decode_url_record(none, nullptr, 0, 200, 1));
   // A short read leaves what a search has left, so that must be the same where the row is known.
   byte_vector bytes(128), url = record::url("u").blocks(2).bytes();
   bytes.insert(bytes.end(), url.begin(), url.end());
@@ -39,27 +38,27 @@ TEST(Scan, TellsWhatItMet) {
   EXPECT_EQ(joined(bytes[132] == 1, again == bytes), "true|true");
 }
 
-// A block that begins at 256 is searched from 384 on.
+// A chunk that begins at 256 is searched from 384 on.
 TEST(Table, GivesWhatIsFinalAndNoMore) {
   const cmd_opts opts;
-  record_table table(opts);
   std::string given;
-  table.take_final = [&](const cache_row& row) { given += std::string(row.texts.url()) + " "; };
+  record_table table([&](const cache_row& row) { given += std::string(row.url) + " "; });
   const auto add = [&](uint64_t offset) {
     byte_vector bytes = record::redr(std::to_string(offset)).bytes();
     add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), offset);
   };
   for (const uint64_t offset : {385, 383, 384}) add(offset);
-  table.next_block_at(256);
-  for (const uint64_t offset : {386, 387}) {  // texts take the places of others that have moved
-    table.end_block();
+  table.next_chunk_at(256);
+  for (const uint64_t offset : {386, 387}) {
+    table.end_chunk();
     EXPECT_EQ(given, "383 ");
     add(offset);
   }
-  table.next_block_at(512);
+  table.next_chunk_at(512);
   for (const uint64_t offset : {384, 639, 640}) add(offset);
   EXPECT_EQ(given, "383 384 385 386 387 639 ");
-  EXPECT_EQ(table.rows.size(), 1U);
+  table.end_input();
+  EXPECT_EQ(given, "383 384 385 386 387 639 640 ");
 }
 
 CASES(cache, input, 3, 4) {
@@ -79,7 +78,8 @@ CASES(cache, input, 3, 4) {
   }
   std::ostringstream rows;
   testing::internal::CaptureStderr();
-  const bool result = parse_input(rows, opts);
+  uni::stream_sink sink(rows);
+  const bool result = parse_input(sink, opts);
   const std::string seen = joined(result, testing::internal::GetCapturedStderr(), rows.str());
   return replaced(in_words(seen), dir.path() + "/", "");
 }

@@ -1,5 +1,5 @@
 // Which blocks of a file the search is given.
-#include "media/file_blocks.h"
+#include "media/source_blocks.h"
 
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
@@ -16,8 +16,11 @@ CASES(media, blocks, 2, any_number) {
     if (next < c.size()) std::filesystem::resize_file(path, number(c[next++]));
   };
   resize();
-  const auto see = [&](const file_block& b) {
-    found += joined(b.zeros ? " hole" : found.empty() ? "" : " ", b.position, b.size, b.overlap);
+  const auto see = [&](const source_block& b) {
+    found += joined(!b.has_bytes    ? " hole"
+                    : found.empty() ? ""
+                                    : " ",
+                    b.position, b.size, b.overlap);
     resize();
   };
   EXPECT_TRUE(scan_file_blocks(file, see, 32768, 4096, number(c[1])));
@@ -25,7 +28,7 @@ CASES(media, blocks, 2, any_number) {
 }
 
 TEST(FileBlocks, OfNoFile) {
-  const auto none = [](const file_block&) { FAIL(); };
+  const auto none = [](const source_block&) { FAIL(); };
   EXPECT_FALSE(scan_file_blocks(uni::fileio(), none, 10, 1, 0));
 }
 

@@ -39,15 +39,6 @@ CASES(cache, form, 4, any_number) {
   return in_words(lines_of(index_text_builder(c, 3), opts, true));
 }
 
-// Space for several cells is taken at once. Separators may need most of it, and texts none.
-TEST(Row, ShowsSeparatorsOfAnyLength) {
-  const index_text_builder bytes({"url u", "name_at=0", "last_mod=0x1c3cffa32f20000"});
-  cmd_opts opts;
-  const std::string usual = lines_of(bytes, opts);
-  opts.csv_separator = std::string(99, '+');
-  EXPECT_EQ(lines_of(bytes, opts), replaced(usual, ",", opts.csv_separator));
-}
-
 // Takes all but the second line.
 struct failing_once : std::stringbuf {
   std::streamsize xsputn(const char*, std::streamsize size) override {

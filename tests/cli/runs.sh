@@ -42,9 +42,17 @@ counted() { sed -E 's/x{4095}/<4095>/g; s/x{905}/<905>/g; s/x{300}/<300>/g; s/x{
 # How many whole rows of many a file holds.
 long_rows() { grep -cx '2021-03-04,05:06:07.000 UTC,,,,,,,URL ,r\{900\},,,0,,0,r\{900\},many' "$1"; }
 
-# Doubles packed until it is of 32 MiB.
+# Doubles packed until it is of so many MiB, or 32.
 grow() {
-  while [ "$(stat -c %s packed)" -lt 33554432 ]; do cat packed packed >x && mv x packed; done
+  while [ "$(stat -c %s packed)" -lt $((${1:-32} << 20)) ]; do
+    cat packed packed >x && mv x packed
+  done
+}
+
+# So many records of 1 KiB, each of its own time, with a long URL.
+timed_records() {
+  seq -f "URL 1000%06.0f~1$(printf %036d)h000$(printf %048d)$(xs 900)$(printf %020d)" "$1" |
+    tr -d '\n' | tr '01~' '\000\001\327'
 }
 
 # The types of the rows of each real index, against the signatures on its grid.

@@ -26,19 +26,17 @@ text shown(const std::map<text, text>& map) {
 }
 
 struct shown_opts : cmd_opts {
-  // What each option may change, as name=value.
+  // What each option may change, as name=value, without most of what is only stored.
   strings fields() const {
 #define NAMES_AND_TEXTS(...) cells(#__VA_ARGS__, ' '), texts(__VA_ARGS__)
     const auto texts = [](const auto&... values) { return strings{shown(values)...}; };
     const auto [names, values] = std::pair(NAMES_AND_TEXTS(
-        out_path, out_dir, username, hostname, date_format, time_format, csv_separator, delim_char,
-        delim_subst, field_trim, field_pad, base16, username_set, hostname_set, split_pathfile,
-        gzip_out, gzip_mode, zlib_mode, zlibex_mode, zlibex_value, threads, out_dir_set,
-        out_path_set, cpuinst, cpu, separate_files, fragment_files, mode_xml, mode_csv, mode_csvl2t,
-        mode_csvgen, mode_bodyfile, mode_multiline, verbose, show_progress, pair_datetime,
-        header_pending, diag_on, diag_level, profile, signal_name, pipe, filters.size(),
-        skip_filters.size(), enumdir, enumdir_path, num_subdirs, start_time_set, stop_time_set,
-        start_filetime, stop_filetime, start_unix, stop_unix, aliases, alias_paths));
+        out_path, out_dir, date_format, time_format, csv_separator, delim_char, delim_subst,
+        field_trim, field_pad, base16, threads, out_dir_set, out_path_set, mode_xml, mode_csv,
+        mode_csvl2t, mode_csvgen, mode_bodyfile, mode_multiline, verbose, show_progress,
+        pair_datetime, header_pending, diag_on, diag_level, profile, signal_name, pipe,
+        filters.size(), skip_filters.size(), enumdir, enumdir_path, num_subdirs, start_time_set,
+        stop_time_set, start_filetime, stop_filetime, start_unix, stop_unix, aliases, alias_paths));
     strings found;
     for (size_t i = 0; i < names.size(); ++i) {
       found.push_back(names[i].substr(0, names[i].find(',')) + "=" + values[i]);
@@ -70,10 +68,6 @@ TEST(Arguments, NullBecomesEmpty) {
   EXPECT_EQ(make_argument_list(2, argv), (argument_list{"udx", ""}));
 }
 
-CASES(front, default, 0) {
-  return listed("", shown_opts().fields(), {});
-}
-
 CASES(front, option, 0, any_number) {
   setenv("UDX_DIR", "/d", 1);
   argument_list args = c;
@@ -91,13 +85,6 @@ TEST(Options, OfNoArguments) {
   argument_list none;
   cmd_opts opts;
   EXPECT_FALSE(parse_options(opts, none));
-}
-
-CASES(front, separator, 2) {
-  cmd_opts o;
-  o.quoted_csv_fields = c[1] == "quoted";
-  o.set_separator(c[0], true);
-  return joined(o.csv_separator, o.delim_char, o.delim_subst);
 }
 
 CASES(front, disks, 2, any_number) {

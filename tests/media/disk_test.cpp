@@ -1,6 +1,8 @@
 // Raw sources, as cases.txt tells: extents and chains of a VMware disk, plain images, the map of a
 // boot record.
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 #include <sstream>
 
@@ -72,6 +74,7 @@ string seen(const RAW_DISK_IO& disk, const string& place, const string& size) {
   bytes out(std::max(count, 1U), '?');
   const bool hole = uni::stretch_finder(disk).all_zeros(offset, count);
   const bool came = disk.read(out.data(), count, offset);
+  EXPECT_NE(disk.stretch_at(number(place)).end, number(place));
   return joined(disk.is_open(), disk.size(), hole, came, count) + run_lengths(out);
 }
 
@@ -142,6 +145,8 @@ TEST(Disk, WithoutABufferOrAFile) {
   uint32_t count = 10;
   EXPECT_FALSE(RAW_DISK_IO(paths({"base.vmdk"}, 0), false).read(nullptr, count, 0));
   EXPECT_FALSE(RAW_DISK_IO("", false).is_open());
+  // What was never opened isn't closed.
+  EXPECT_NE(::fcntl(STDIN_FILENO, F_GETFD), -1);
   EXPECT_FALSE(RAW_DISK_IO(extents().path("none"), false).is_open());
 }
 

@@ -1,5 +1,7 @@
 // Time values: limits, DOS pairs, local time, stamps, printed forms, and what options give.
 #include <cstdlib>
+#include <locale>
+#include <optional>
 
 #include "tests/support/check_cases.h"
 #include "time/date_format_context.h"
@@ -102,7 +104,8 @@ string loaded_in(const char* zone, const strings& c) {
   if (has_local) {
     zk::time stored;
     EXPECT_TRUE(stored.set_tm(local, 7, false));  // local time that is stored as UTC
-    EXPECT_EQ(joined(shown(stored.fields), stored.fields.millisecond), joined(shown(local), 7));
+    EXPECT_EQ(joined(shown(stored.fields), stored.fields.nanosecond),
+              joined(shown(local), 7000000));
   }
   EXPECT_EQ(t.filetime_copy, t.unix_seconds == 0 ? 0 : t.filetime);
   return joined(t.valid, t.filetime, t.unix_seconds, shown(t.fields),
@@ -185,6 +188,15 @@ CASES(time, default, 4) {
   zk::format_default(date, time, in_month(c[3]), c[0] == "fraction", c[1] == "short", nullptr,
                      c[2] == "nano");
   return joined(date, time);
+}
+
+TEST(Time, TellsWhetherALocaleIsFound) {
+  for (const char* name : {"C", "none"}) {
+    for (const char* variable : {"LC_ALL", "LC_TIME", "LANG"}) setenv(variable, name, 1);
+    string found_name;
+    std::optional<std::locale> found;
+    EXPECT_EQ(zk::find_user_locale(found_name, found), *name == 'C');
+  }
 }
 
 CASES(time, derived, 3) {

@@ -1,4 +1,5 @@
 // The file layer, on real files, and messages byte for byte.
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "tests/support/check_cases.h"
@@ -133,15 +134,22 @@ CASES(uni, memory, 1, any_number) {
   return seen;
 }
 
-TEST(File, RightsOfWhatIsOnlyRead) {
-  EXPECT_EQ(uni::open_mode_for(uni::fileio::access::read).creation_mode, 0404u);
+TEST(File, BlockForWhichThereIsNoMemory) {
+  if (UDX_SANITIZED) GTEST_SKIP() << "the sanitizers' runtime wants all memory";
+  rlimit usual = {};
+  ::getrlimit(RLIMIT_AS, &usual);
+  const rlimit tight = {1 << 30, usual.rlim_max};
+  ::setrlimit(RLIMIT_AS, &tight);
+  EXPECT_EQ(played({"cut f 2199023255552", "open f"}, {"block 2199023255552 0"}), "false|.");
+  ::setrlimit(RLIMIT_AS, &usual);
 }
 
 TEST(File, OnlyRegularFilesAreAskedForHoles) {
   EXPECT_EQ(uni::fileio("/usr").stretch_at(0).end, ~0ULL);
 }
 
-TEST(File, StreamsThatWriteNowhere) {
+TEST(File, WithoutAFile) {
+  EXPECT_FALSE(uni::same_file(-1, 1) || uni::same_file(-1, -1));
   uni::fileio none;
   uni::fileio_output closed(&none, 16);
   uni::null_out_stream null;

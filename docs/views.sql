@@ -25,7 +25,11 @@ WITH
         WHEN named <> '' THEN 'weekly history'
         WHEN url GLOB '*://*' THEN 'cache'
         ELSE 'other' END AS kind,
-      coalesce(substr(named, 1, instr(named, '@') - 1), user) AS who,
+      -- A history can hold "-" as its account; a cache row of two "-" has none that is told.
+      CASE
+        WHEN named <> '' THEN substr(named, 1, instr(named, '@') - 1)
+        WHEN user <> '-' OR header <> '-' THEN user
+        ELSE '' END AS who,
       coalesce(substr(named, instr(named, '@') + 1), url) AS address
     FROM split)
 SELECT *, CASE
@@ -34,11 +38,12 @@ SELECT *, CASE
     ELSE '' END AS seen
 FROM told;
 
--- Whom the rows name, in which kind of index, in how many rows, from when to when.
+-- Whom the rows name, in which kind of index, in how many rows, from when to when. Each row counts:
+-- those that name nobody stand below an empty name.
 DROP VIEW IF EXISTS users;
 CREATE VIEW users AS
 SELECT who, kind, count(*) AS rows, min(nullif(seen, '')) AS first, max(seen) AS last
-FROM entries WHERE who NOT IN ('', '-') GROUP BY who, kind;
+FROM entries GROUP BY who, kind;
 
 -- How often a user visited a page. The other histories count the same visits as the main one, and a
 -- copy or an older state of a record counts no more than the record itself: neither is added.

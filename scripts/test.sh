@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # test.sh [PRESET]: builds udx with warnings as errors and runs all its tests. PRESET is release,
-# debug or asan, or another machine's: aarch64, s390x (big-endian) or armhf (32 bits). The last line
-# tells how many tests were skipped, and what they lack.
+# debug or asan, or another machine's: aarch64, s390x (big-endian) or armhf (32 bits). In the end it
+# tells why each skipped test was skipped, and the packages that are missing.
 set -eu -o pipefail
 preset=${1:-release}
 cd "$(dirname "$0")/.."
@@ -18,6 +18,12 @@ log=$(mktemp)
 trap 'rm -f "$log"' EXIT
 status=0
 ctest --preset "$preset" -j2 | tee "$log" || status=$?
+# GoogleTest tells the reason behind the place, the recipes on a line of their own.
+awk '
+  /^[0-9]+\/[0-9]+ Test: / { sub(/^[^:]*: /, ""); name = $0 }
+  /: Skipped$/ { getline; print "skipped: " name ": " $0 }
+  sub(/^skipped: /, "") { print "skipped: " name ": " $0 }
+' "build/$preset/Testing/Temporary/LastTest.log"
 missing=()
 for pair in "${test_tools[@]}"; do
   command -v "${pair%%=*}" >/dev/null 2>&1 || missing+=("${pair#*=}")

@@ -123,7 +123,7 @@ at_sector large.dd 4096 <evidence/$cache
 # A file system with two deleted histories, an index beside a deleted copy of itself, and, where no
 # file ever was, a record of a third history.
 if needed sleuthkit; then
-  command -v mcopy >/dev/null || skip "lacks the package mtools for its sample"
+  command -v mcopy >/dev/null || skip "needs mtools for its sample"
   mformat -C -i fat.img -f 2880
   mmd -i fat.img ::alice
   mcopy -i fat.img evidence/$history/index.dat ::alice/history.dat
@@ -220,7 +220,7 @@ END
 fi
 if needed fuse3; then
   mkdir try
-  ewfmount disk.E01 try >/dev/null 2>&1 || skip "needs FUSE, which can't be used here"
+  ewfmount disk.E01 try >/dev/null 2>&1 || skip "FUSE can't be used here"
   fusermount -u try
 fi
 # docs/activity.svg must be what comes, unless another gnuplot made it. To renew it, run the

@@ -24,7 +24,7 @@ export PATH=$dir/bin:$PATH:/usr/sbin:/sbin
 
 # Ends the test as skipped, with the reason.
 skip() {
-  echo "skipped: $recipe $*"
+  echo "skipped: $*"
   exit 77
 }
 
@@ -62,7 +62,7 @@ for package in $(grep -v '^none$' packages); do
   done
   [ $tools = 1 ] || { echo "scripts/toolchain.sh doesn't know the package $package"; exit 1; }
 done
-[ -z "$missing" ] || skip "lacks the package$missing"
+[ -z "$missing" ] || skip "needs$missing"
 needed() { grep -qw -e "$1" "$dir/packages"; }
 
 # As installed to a folder like /usr/local.

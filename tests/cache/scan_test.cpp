@@ -1,4 +1,6 @@
 // The search and what brings it bytes, where random indexes can't show them.
+#include <algorithm>
+
 #include "cache/parse_input.h"
 #include "cache/record_scan.h"
 #include "cache/record_signature.h"
@@ -47,15 +49,15 @@ TEST(Table, GivesWhatIsFinalAndNoMore) {
     byte_vector bytes = record::redr(std::to_string(offset)).bytes();
     add_record(table, opts, bytes.data(), static_cast<uint32_t>(bytes.size()), offset);
   };
-  for (const uint64_t offset : {385, 383, 384}) add(offset);
+  for (const uint64_t offset : {385U, 383U, 384U}) add(offset);
   table.next_chunk_at(256);
-  for (const uint64_t offset : {386, 387}) {
+  for (const uint64_t offset : {386U, 387U}) {
     table.end_chunk();
     EXPECT_EQ(given, "383 ");
     add(offset);
   }
   table.next_chunk_at(512);
-  for (const uint64_t offset : {384, 639, 640}) add(offset);
+  for (const uint64_t offset : {384U, 639U, 640U}) add(offset);
   EXPECT_EQ(given, "383 384 385 386 387 639 ");
   table.end_input();
   EXPECT_EQ(given, "383 384 385 386 387 639 640 ");

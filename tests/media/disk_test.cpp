@@ -72,7 +72,7 @@ string seen(const RAW_DISK_IO& disk, const string& place, const string& size) {
   const auto offset = number<int64_t>(place);
   uint32_t count = number32(size);
   bytes out(std::max(count, 1U), '?');
-  const bool hole = uni::stretch_finder(disk).all_zeros(offset, count);
+  const bool hole = uni::stretch_finder(disk).all_zeros(static_cast<uint64_t>(offset), count);
   const bool came = disk.read(out.data(), count, offset);
   EXPECT_NE(disk.stretch_at(number(place)).end, number(place));
   return joined(disk.is_open(), disk.size(), hole, came, count) + run_lengths(out);

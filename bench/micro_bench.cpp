@@ -1,8 +1,15 @@
 // What the two hot loops cost: the search of bytes without records, and the way to a row.
 #include <benchmark/benchmark.h>
 
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "cache/cache_row.h"
 #include "cache/record_scan.h"
+#include "cache/record_table.h"
 #include "cache/row_writer.h"
+#include "opts/cmd_opts.h"
 #include "tools/index_builder.h"
 #include "tools/sample_records.h"
 #include "uni/fileio_output.h"

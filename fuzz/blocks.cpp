@@ -5,7 +5,9 @@
 
 #include "cache/chunk_readers.h"
 #include "cache/record_scan.h"
+#include "cache/url_record.h"
 #include "fuzz/support.h"
+#include "opts/cmd_opts.h"
 
 namespace {
 

@@ -1,10 +1,12 @@
 // A VMware disk of two files. The input begins with the first one's size.
+#include <algorithm>
 #include <sstream>
 
 #include "fuzz/support.h"
 #include "media/disk_chain_check.h"
 #include "media/vmdk_chain.h"
 #include "text/zk_wide.h"
+#include "uni/stretch.h"
 
 namespace {
 

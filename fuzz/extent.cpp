@@ -1,4 +1,6 @@
 // One file of a VMware disk.
+#include <algorithm>
+
 #include "fuzz/support.h"
 #include "media/vmdk_extent.h"
 #include "text/zk_wide.h"

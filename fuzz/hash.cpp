@@ -1,5 +1,6 @@
 // The walk along the HASH blocks.
 #include "cache/hash_walk.h"
+#include "cache/index_dat.h"
 #include "cache/record_signature.h"
 #include "fuzz/support.h"
 

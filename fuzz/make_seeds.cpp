@@ -1,11 +1,18 @@
 // Writes the inputs that each fuzz target starts from, below a folder.
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <string>
+#include <vector>
 
 #include "cache/index_dat.h"
+#include "media/zk_disk_structs.h"
+#include "text/le_bytes.h"
 #include "tools/case_file.h"
+#include "tools/index_builder.h"
 #include "tools/sample_records.h"
 #include "tools/vmdk_builder.h"
 

@@ -1,4 +1,6 @@
 // The volumes that the first sectors of a disk tell of.
+#include <algorithm>
+
 #include "media/partition_map.h"
 
 #include "fuzz/support.h"

@@ -1,15 +1,21 @@
 // The search over any bytes: where it finds rows, what it may change, what a row's text may hold.
+#include <algorithm>
+#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
 #include "cache/record_signature.h"
+#include "cache/redr_record.h"
 #include "cache/row_writer.h"
 #include "cache/shown_texts.h"
+#include "cache/url_record.h"
 #include "fuzz/support.h"
+#include "opts/cmd_opts.h"
 #include "uni/fileio_output.h"
 
 namespace {

@@ -1,19 +1,25 @@
 // What the fuzz targets share.
 #pragma once
 
+// Each target has these from here.
+// IWYU pragma: begin_exports
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cache/cache_row.h"
+#include "cache/record_table.h"
+#include "text/le_bytes.h"
+// IWYU pragma: end_exports
+
 #include <sanitizer/common_interface_defs.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <cstdint>
 #include <cstdlib>
-#include <string>
-#include <string_view>
-#include <vector>
 
 #include "media/zk_disk_structs.h"
-#include "text/le_bytes.h"
 
 using byte_vector = std::vector<uint8_t>;
 

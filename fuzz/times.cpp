@@ -1,6 +1,7 @@
 // Eight bytes of time; then a date mask, a time mask, a date, a time, and the date's order with its
 // separator, as texts.
 #include <cstddef>
+#include <cstring>
 
 #include "fuzz/support.h"
 #include "time/date_format_context.h"

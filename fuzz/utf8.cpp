@@ -1,4 +1,7 @@
 // UTF-8 to wide text and back.
+#include <algorithm>
+#include <string_view>
+
 #include "fuzz/support.h"
 #include "text/zk_wide.h"
 

@@ -1,9 +1,14 @@
 #include "tools/case_file.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdio>
 #include <fstream>
+#include <ios>
 #include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
 
 namespace {
 

@@ -11,10 +11,12 @@
 
 #include <charconv>
 #include <cstdint>
+#include <ios>
 #include <limits>
 #include <sstream>
 #include <stdexcept>
 #include <string>
+#include <system_error>
 #include <type_traits>
 #include <vector>
 

@@ -1,9 +1,14 @@
 #include "tools/disk_text_builder.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 #include "media/zk_disk_structs.h"
 #include "text/le_bytes.h"
+#include "tools/case_file.h"
 #include "tools/vmdk_builder.h"
 
 namespace {

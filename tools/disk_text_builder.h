@@ -1,6 +1,7 @@
 // Builds disks from text, for the tables of cases: the inputs of a case from `first` on.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

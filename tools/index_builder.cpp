@@ -1,9 +1,17 @@
 #include "tools/index_builder.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
 #include "cache/index_dat.h"
 #include "cache/record_signature.h"
+#include "cache/redr_record.h"
+#include "cache/url_record.h"
+#include "text/le_bytes.h"
 #include "time/zk_time.h"
 
 namespace sample {

@@ -12,8 +12,13 @@
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <map>
+#include <stdexcept>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "tools/case_file.h"
 #include "tools/index_builder.h"

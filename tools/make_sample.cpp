@@ -3,10 +3,12 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstring>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "tools/index_builder.h"
 #include "tools/sample_records.h"

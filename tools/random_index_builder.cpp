@@ -1,7 +1,12 @@
 #include "tools/random_index_builder.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <vector>
+
+#include "tools/index_builder.h"
 
 namespace sample {
 

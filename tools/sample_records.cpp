@@ -1,8 +1,13 @@
 #include "tools/sample_records.h"
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
 
 #include "time/zk_time.h"
+#include "tools/index_builder.h"
 
 namespace sample {
 namespace {

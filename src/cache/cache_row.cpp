@@ -1,7 +1,13 @@
 #include "cache/cache_row.h"
+#include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "cache/index_dat.h"
+#include "cache/redr_record.h"
 #include "cache/shown_texts.h"
+#include "cache/url_record.h"
+#include "opts/cmd_opts.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 

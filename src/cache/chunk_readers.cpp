@@ -3,11 +3,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 #include "cache/record_scan.h"
+#include "cache/record_table.h"
 #include "media/raw_disk_io.h"
 #include "media/source_blocks.h"
+#include "opts/cmd_opts.h"
 #include "uni/console.h"
 #include "uni/fileio.h"
 #include "uni/medium.h"

@@ -1,10 +1,17 @@
 #include "cache/hash_walk.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <map>
 #include <set>
 #include <utility>
 #include <vector>
 
+#include "cache/index_dat.h"
 #include "cache/record_signature.h"
+#include "cache/redr_record.h"
+#include "cache/url_record.h"
+#include "text/le_bytes.h"
 
 namespace {
 

@@ -1,11 +1,18 @@
 #include "cache/index_dat.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <string_view>
+#include <vector>
 
 #include "cache/record_signature.h"
+#include "cache/redr_record.h"
+#include "cache/url_record.h"
+#include "opts/cmd_opts.h"
+#include "text/le_bytes.h"
 
 namespace {
 

@@ -1,5 +1,6 @@
 #include "cache/parse_input.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <iostream>
 #include <new>
@@ -7,11 +8,14 @@
 #include <string>
 #include <vector>
 
+#include "cache/cache_row.h"
 #include "cache/chunk_readers.h"
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
 #include "cache/record_table.h"
 #include "cache/row_writer.h"
+#include "opts/cmd_opts.h"
+#include "text/line_sink.h"
 #include "uni/fileio.h"
 
 namespace {

@@ -1,9 +1,13 @@
 #include "cache/record_scan.h"
+#include <cstdint>
 
 #include "cache/cache_row.h"
 #include "cache/record_signature.h"
+#include "cache/record_table.h"
 #include "cache/redr_record.h"
 #include "cache/url_record.h"
+#include "opts/cmd_opts.h"
+#include "text/le_bytes.h"
 
 namespace {
 

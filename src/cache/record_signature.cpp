@@ -1,5 +1,9 @@
 #include "cache/record_signature.h"
 
+#include <cstdint>
+
+#include "text/le_bytes.h"
+
 uint32_t find_next_record(const uint8_t* bytes, uint64_t size) {
   if (!bytes || size < block_size) return no_record;
   const uint64_t end = size - 4;

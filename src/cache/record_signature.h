@@ -3,8 +3,6 @@
 
 #include <cstdint>
 
-#include "text/le_bytes.h"
-
 // Records begin at multiples of this, and are as many of it long as their block count says.
 inline constexpr uint32_t block_size = 128;
 

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstdint>
 #include <string_view>
 
+#include "cache/cache_row.h"
 #include "cache/record_signature.h"
 
 record_table::kept_row::kept_row(const cache_row& from) : row(from) {

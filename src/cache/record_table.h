@@ -7,7 +7,6 @@
 // are final as they come, and aren't kept at all.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <functional>

@@ -1,8 +1,10 @@
 #include "cache/redr_record.h"
 
+#include <cstdint>
 #include <cstring>
 
 #include "cache/record_signature.h"
+#include "text/le_bytes.h"
 #include "text/zk_string.h"
 
 bool decode_redr_record(redr_record& record, const uint8_t* bytes, uint64_t offset,

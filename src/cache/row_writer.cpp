@@ -3,10 +3,20 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <string>
+#include <string_view>
+#include <vector>
 
+#include "cache/cache_row.h"
 #include "cache/shown_texts.h"
+#include "opts/cmd_opts.h"
+#include "text/le_bytes.h"
+#include "text/line_sink.h"
 #include "time/shown_fields.h"
+#include "time/time_format.h"
 
 namespace {
 

@@ -1,4 +1,5 @@
 #include "cache/shown_texts.h"
+#include <string_view>
 
 #include "text/zk_string.h"
 

@@ -1,10 +1,12 @@
 #include "cache/url_record.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <string_view>
 
 #include "cache/record_signature.h"
+#include "text/le_bytes.h"
 #include "text/zk_string.h"
 
 namespace {

@@ -1,5 +1,10 @@
 #include "front/arguments.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include "text/zk_string.h"
 
 namespace {

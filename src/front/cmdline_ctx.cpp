@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdio>
 
+#include "opts/cmd_opts.h"
 #include "time/zk_time.h"
 #include "uni/console.h"
 

@@ -1,9 +1,15 @@
 #include "front/disk_options.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <iostream>
 #include <sstream>
+#include <string>
+#include <vector>
 
+#include "front/arguments.h"
 #include "front/option_table.h"
+#include "opts/cmd_params.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"

@@ -1,10 +1,14 @@
 #include "front/filter_text.h"
 
+#include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "front/arguments.h"
+#include "opts/path_filter.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"

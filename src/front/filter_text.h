@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "front/arguments.h"
-#include "opts/cmd_params.h"
 #include "opts/path_filter.h"
 
 using filter_list = std::vector<path_filter>;

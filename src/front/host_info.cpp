@@ -6,6 +6,10 @@
 #include <unistd.h>
 
 #include <array>
+#include <cstddef>
+#include <cstdint>
+#include <sstream>
+#include <string>
 
 #include "text/zk_string.h"
 #include "uni/medium.h"

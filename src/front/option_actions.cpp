@@ -7,11 +7,13 @@
 #include <iterator>
 #include <limits>
 #include <memory>
+#include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
 #include "front/arguments.h"
+#include "opts/cmd_params.h"
 #include "text/path_text.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"

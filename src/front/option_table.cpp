@@ -7,12 +7,15 @@
 #include <string_view>
 #include <type_traits>
 
+#include "front/arguments.h"
 #include "front/filter_text.h"
 #include "front/option_actions.h"
 #include "gate/licence_gate.h"
+#include "opts/cmd_params.h"
 #include "text/path_text.h"
 #include "text/zk_number.h"
 #include "text/zk_string.h"
+#include "time/date_format_context.h"
 
 namespace {
 

@@ -3,9 +3,15 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
+#include <string>
 #include <vector>
 
+#include "front/filter_text.h"
+#include "opts/cmd_params.h"
+#include "opts/path_filter.h"
 #include "text/path_text.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"

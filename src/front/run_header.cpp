@@ -1,6 +1,8 @@
 #include "front/run_header.h"
 
+#include <ios>
 #include <sstream>
+#include <string>
 
 #include "front/arguments.h"
 #include "front/host_info.h"

@@ -1,6 +1,7 @@
 #include "front/usage.h"
 
 #include <cstdio>
+#include <string>
 
 #include "front/run_header.h"
 #include "gate/licence_gate.h"

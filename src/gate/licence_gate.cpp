@@ -1,5 +1,8 @@
 #include "gate/licence_gate.h"
 
+#include <array>
+#include <string_view>
+
 namespace licence_gate {
 
 bool allows_run() {

@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <ostream>
+#include <string>
 #include <utility>
+#include <vector>
 
 #include "media/vmdk_chain.h"
+#include "media/vmdk_extent.h"
 #include "text/path_text.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"

@@ -1,6 +1,7 @@
 #include "media/partition_map.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <iterator>
 #include <optional>

@@ -3,10 +3,17 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdint>
+#include <cstdio>
 #include <limits>
+#include <memory>
+#include <string>
+#include <vector>
 
+#include "media/vmdk_chain.h"
 #include "text/zk_wide.h"
 #include "uni/fileio.h"
+#include "uni/stretch.h"
 
 RAW_DISK_IO::RAW_DISK_IO(const std::string& path, bool write) {
   if (path.empty()) return;

@@ -1,8 +1,11 @@
 #include "media/source_blocks.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
+#include "media/raw_disk_io.h"
+#include "uni/fileio.h"
 #include "uni/stretch.h"
 
 namespace {

@@ -1,9 +1,16 @@
 #include "media/vmdk_chain.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <string>
 #include <utility>
+#include <vector>
+
+#include "media/vmdk_extent.h"
+#include "uni/stretch.h"
 
 bool VMDK_CHAIN::add_files(const std::vector<std::wstring>& paths) {
   return std::all_of(paths.begin(), paths.end(), [this](const std::wstring& path) {

@@ -1,14 +1,19 @@
 #include "media/vmdk_extent.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <string>
+#include <vector>
 
 #include "media/partition_map.h"
+#include "media/zk_disk_structs.h"
 #include "text/le_bytes.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"

@@ -3,6 +3,8 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
+#include <ostream>
+#include <string>
 #include <vector>
 
 #include "text/zk_string.h"

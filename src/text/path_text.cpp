@@ -1,5 +1,7 @@
 #include "text/path_text.h"
 
+#include <cstddef>
+#include <string>
 #include <utility>
 
 #include "text/zk_environment.h"

@@ -1,6 +1,7 @@
 #include "text/zk_environment.h"
 
 #include <cstdlib>
+#include <string>
 
 #include "text/zk_string.h"
 

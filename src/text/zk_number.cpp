@@ -1,7 +1,9 @@
 #include "text/zk_number.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
 #include "text/zk_string.h"
 

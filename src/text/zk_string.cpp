@@ -1,9 +1,13 @@
 #include "text/zk_string.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cwctype>
 #include <locale>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace zk {
 namespace {

@@ -1,6 +1,9 @@
 #include "text/zk_wide.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 namespace zk {
 

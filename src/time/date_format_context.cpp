@@ -1,6 +1,9 @@
 #include "time/date_format_context.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
 
 namespace zk {
 

@@ -1,13 +1,17 @@
 #include "time/time_format.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <ios>
+#include <locale>
 #include <new>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
+#include <string>
+#include <string_view>
 
 #include "text/zk_environment.h"
 

@@ -3,9 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <cstdint>
 #include <cstdlib>
+#include <ios>
 #include <istream>
 #include <sstream>
+#include <string>
+#include <string_view>
 
 #include "text/zk_number.h"
 #include "text/zk_string.h"

@@ -2,6 +2,9 @@
 
 #include <sys/time.h>
 
+#include <cstdint>
+#include <ctime>
+
 #include "time/shown_fields.h"
 
 namespace zk {

@@ -1,21 +1,31 @@
 #include "uni/fileio.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <exception>
 #include <limits>
+#include <memory>
 #include <new>
+#include <sstream>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 #include "text/zk_number.h"
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 #include "uni/fileio_output.h"
+#include "uni/stretch.h"
 
 namespace uni {
 namespace {

@@ -1,6 +1,9 @@
 #include "uni/fileio_output.h"
 
 #include <cstdint>
+#include <ios>
+#include <ostream>
+#include <string_view>
 
 #include "uni/fileio.h"
 

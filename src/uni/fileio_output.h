@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstddef>
+#include <ios>
 #include <ostream>
 #include <span>
 #include <streambuf>
+#include <string>
 #include <string_view>
 #include <vector>
 

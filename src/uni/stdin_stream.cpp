@@ -1,5 +1,8 @@
 #include "uni/stdin_stream.h"
 
+#include <cstdio>
+#include <string>
+
 #include "text/zk_string.h"
 #include "text/zk_wide.h"
 

@@ -1,9 +1,15 @@
 // The container: header, directory table, HASH blocks and the walk along them, file kinds. What is
 // read into was used by the case before.
+#include <ios>
 #include <sstream>
 
+#include "cache/cache_row.h"
 #include "cache/hash_walk.h"
+#include "cache/index_dat.h"
+#include "cache/redr_record.h"
 #include "cache/row_writer.h"
+#include "cache/url_record.h"
+#include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tools/index_text_builder.h"
 #include "uni/fileio_output.h"

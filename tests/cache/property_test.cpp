@@ -1,13 +1,23 @@
 // Random indexes, some of them damaged, through each of the three readers, against a model of which
 // rows must come of their bytes. The model decodes them itself.
+#include <unistd.h>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
+#include <ios>
 #include <map>
+#include <sstream>
+#include <utility>
 
 #include "cache/parse_input.h"
+#include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"
+#include "text/le_bytes.h"
 #include "text/zk_wide.h"
+#include "tools/index_builder.h"
 #include "tools/random_index_builder.h"
 #include "tools/vmdk_builder.h"
 #include "uni/fileio_output.h"

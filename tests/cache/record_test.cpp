@@ -1,6 +1,7 @@
 // The decoders, each bound on both sides.
-#include "cache/shown_texts.h"
+#include <string_view>
 #include "cache/redr_record.h"
+#include "cache/shown_texts.h"
 #include "cache/url_record.h"
 #include "tests/support/check_cases.h"
 #include "tools/index_text_builder.h"

@@ -1,9 +1,14 @@
 // From a record to its row, and from the row to its line.
+#include <ios>
+#include <ostream>
 #include <sstream>
 
+#include "cache/cache_row.h"
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
+#include "cache/record_table.h"
 #include "cache/row_writer.h"
+#include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
 #include "tools/index_text_builder.h"

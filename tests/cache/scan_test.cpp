@@ -1,9 +1,15 @@
 // The search and what brings it bytes, where random indexes can't show them.
 #include <algorithm>
+#include <sstream>
+#include <utility>
 
+#include "cache/cache_row.h"
 #include "cache/parse_input.h"
 #include "cache/record_scan.h"
 #include "cache/record_signature.h"
+#include "cache/record_table.h"
+#include "cache/url_record.h"
+#include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"

@@ -1,12 +1,16 @@
 // Whole runs of the program, as cases.txt and faults.txt tell: a shell's lines, and all that came.
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <fstream>
+#include <ios>
 #include <map>
 
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
 #include "tests/support/temp_dir.h"
+#include "tools/index_builder.h"
 #include "tools/sample_records.h"
 #include "tools/vmdk_builder.h"
 

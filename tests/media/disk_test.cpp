@@ -4,16 +4,20 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <sstream>
 
 #include "media/disk_chain_check.h"
 #include "media/partition_map.h"
 #include "media/raw_disk_io.h"
+#include "media/vmdk_chain.h"
+#include "media/vmdk_extent.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
 #include "text/zk_wide.h"
 #include "tools/disk_text_builder.h"
 #include "tools/vmdk_builder.h"
+#include "uni/stretch.h"
 
 namespace {
 

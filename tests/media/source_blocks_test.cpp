@@ -3,6 +3,7 @@
 
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"
+#include "uni/fileio.h"
 
 namespace {
 

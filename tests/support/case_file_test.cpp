@@ -1,5 +1,6 @@
 // The reader of cases itself: what it takes, and what it tells of a case that is mistyped.
 #include <filesystem>
+#include <stdexcept>
 
 #include "tests/support/check_cases.h"
 

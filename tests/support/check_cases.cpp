@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <exception>
+#include <functional>
+#include <map>
 #include <utility>
 
 std::map<std::string, known_kinds>& declared_kinds() {

@@ -7,15 +7,21 @@
 // names the most behind the fewest. All kinds of a file must be declared in the same program.
 #pragma once
 
+// Each test has these from here.
+// IWYU pragma: begin_exports
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <limits>
-#include <map>
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <vector>
 
 #include "tools/case_file.h"
+// IWYU pragma: end_exports
+
+#include <functional>
+#include <limits>
+#include <map>
 
 // The fewest and the most inputs of a case.
 struct input_count {

@@ -1,6 +1,8 @@
 #include "tests/support/shown.h"
 
 #include <algorithm>
+#include <cstddef>
+#include <string>
 
 #include "tools/case_file.h"
 

@@ -3,11 +3,13 @@
 
 #include <cstdint>
 #include <cstdlib>
-#include <filesystem>
+#include <filesystem>  // IWYU pragma: export
 #include <fstream>
+#include <ios>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <vector>
 
 class temp_dir {

@@ -1,5 +1,6 @@
 // Text helpers: the habits that callers rely on.
 #include <cstdlib>
+#include <stdexcept>
 
 #include "tests/support/check_cases.h"
 #include "text/path_text.h"

@@ -1,7 +1,10 @@
 // Time values: limits, DOS pairs, local time, stamps, printed forms, and what options give.
+#include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <locale>
 #include <optional>
+#include <stdexcept>
 
 #include "tests/support/check_cases.h"
 #include "time/date_format_context.h"

@@ -1,6 +1,13 @@
 // The file layer, on real files, and messages byte for byte.
 #include <sys/resource.h>
-#include <unistd.h>
+#include <sys/stat.h>
+#include <algorithm>
+#include <cstdarg>
+#include <cstdio>
+#include <iterator>
+#include <ostream>
+#include <sstream>
+#include <stdexcept>
 
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"

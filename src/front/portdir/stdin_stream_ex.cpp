@@ -1,5 +1,8 @@
 #include "front/portdir/stdin_stream_ex.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "front/path_match.h"

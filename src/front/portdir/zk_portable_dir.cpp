@@ -8,9 +8,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstddef>
 #include <memory>
 #include <new>
+#include <set>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "text/path_text.h"
 #include "text/zk_string.h"

@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# test_system.sh SUITE [MIRROR]: makes a minimal system of a SUITE of Debian, as trixie or sid, and
-# runs the two commands of README.md in it, as root, on a copy of the sources. The system is made
-# anew in build/system/SUITE, and stays there until the next run. MIRROR is by default the one that
-# this machine's packages come from.
+# test_system.sh SUITE [MIRROR]: makes a minimal system of a SUITE of Debian, such as trixie or
+# sid, and runs the two commands of README.md in it, as root, on a copy of the sources. The system
+# is made anew in build/system/SUITE, and stays there until the next run. MIRROR is by default the
+# one that this machine's packages come from.
 set -eu
 cd "$(dirname "$0")/.."
 
@@ -11,7 +11,7 @@ fail() {
   exit 1
 }
 
-[ $# -gt 0 ] || fail "give the name of a suite, as trixie"
+[[ ${1-} =~ ^[a-z]+$ ]] || fail "give the name of a suite, such as trixie"
 [ "$(id -u)" = 0 ] || fail "only root can make a system"
 . scripts/toolchain.sh
 need /usr/sbin/debootstrap=debootstrap

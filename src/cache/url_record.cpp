@@ -30,7 +30,6 @@ bool is_url_record(const uint8_t* bytes, uint32_t limit) {
 // A header text without what isn't shown at both ends.
 std::string_view trimmed_header(std::string_view text) {
   const auto shown = [](char c) { return c > ' ' && c <= '~'; };
-  if (text.ends_with("\r\n\r\n")) text.remove_suffix(4);  // as most do
   while (!text.empty() && !shown(text.back())) text.remove_suffix(1);
   while (!text.empty() && !shown(text.front())) text.remove_prefix(1);
   return text;
@@ -41,7 +40,7 @@ bool find_url(url_record& record, const record_bytes& bytes, bool& whole) {
   const uint32_t at = record.field32(url_layout::url_offset);
   if (at == 0 || at >= bytes.room) return false;
   const uint32_t left = bytes.room - at;
-  // No more than the first byte past the room decides, so nothing is read behind it.
+  // One byte past the room tells whether the URL ends there.
   const uint8_t* const begin = bytes.begin + at;
   const auto readable = static_cast<uint64_t>(bytes.end - begin);
   const std::string_view text =

@@ -55,5 +55,5 @@ class VMDK_CHAIN {
   VMDK_EXTENT* m_base = nullptr;                                  // without a parent, borrowed
   bool m_writable = false;
   bool m_valid = false;
-  std::vector<VMDK_EXTENT*> m_order;  // from the base to the leaf, borrowed; nothing reads it
+  std::vector<VMDK_EXTENT*> m_order;  // from the base to the leaf, borrowed; stored
 };

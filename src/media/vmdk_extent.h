@@ -47,14 +47,14 @@ class VMDK_EXTENT {
   static constexpr uint64_t largest_directory = 16ULL << 20;
   static constexpr uint64_t largest_tables = 256ULL << 20;
 
-  std::vector<std::wstring> m_descriptor_lines;  // nothing reads it
+  std::vector<std::wstring> m_descriptor_lines;  // stored
   std::string m_encoding;
   std::string m_parent_cid;  // values as they stand, quotes and carriage returns included
   std::string m_cid;
   std::string m_parent_hint;
   VMDK_EXTENT* m_child = nullptr;          // next newer, borrowed
   VMDK_EXTENT* m_parent = nullptr;         // next older, borrowed
-  std::vector<uint64_t> m_volume_offsets;  // in bytes; nothing reads this and the next
+  std::vector<uint64_t> m_volume_offsets;  // in bytes; stored, and so is the next
   std::vector<uint32_t> m_volume_sector_sizes;
   uint64_t m_bytes_per_grain = 0;
   bool m_valid = false;

@@ -1,5 +1,12 @@
-// The run's parameter record, built once by the driver and passed by reference. The engine reads it
-// and keeps in it the little that crosses from one input to the next.
+// The run's parameter record, made once by the driver and passed by reference. Options set most of
+// it, and these fields are what a run learns:
+//
+//   results_fd              set by the driver once the results can be written
+//   use_locale, dates       by the driver's take_locale
+//   input_path              by the driver, for each input
+//   any_signature           by take_locale, and by parse_input at the first file it reads whole
+//   file_kind               by classify_path, for each file that is read whole
+//   header_pending          cleared by parse_input behind the header line
 #pragma once
 
 #include <cstdint>
@@ -19,8 +26,7 @@ struct cmd_opts : cmd_params {
   std::optional<zk::locale_dates> dates;  // there with `use_locale`: one form throughout the run
   std::string partition_path;             // value of -partition
   bool admin_rights = false;              // nothing sets it
-  // Of the last input that was read whole, from its path: a large file and a disk don't set it.
-  uint32_t file_kind = 1;
+  uint32_t file_kind = 1;                 // a large file and a disk keep that of the file before
 
   cmd_opts() {
     mode_csv = true;

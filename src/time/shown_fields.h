@@ -81,14 +81,14 @@ inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
   return fields.second <= 59 && fields.minute <= 59 && fields.hour <= 23;
 }
 
-// Whether a `time` that the value is loaded into is valid.
+// Whether this time can be shown.
 inline bool is_shown(uint64_t ft) {
   constexpr uint64_t year_1900 = ntp_epoch_filetime;
   constexpr uint64_t year_3001 = 441796896000000000;
   const uint64_t since_1970 = ft - unix_epoch_filetime;  // very large ahead of it
   if (since_1970 < ticks_per_second) return false;
   if (ft - year_1900 < year_3001 - year_1900) return true;
-  // All others are refused, but those in 3001 that local time still counts to 3000.
+  // Rejected, unless local time is still in 3000.
   std::tm local;
   return unix_to_local_tm(static_cast<int64_t>(since_1970 / ticks_per_second), local);
 }

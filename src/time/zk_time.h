@@ -15,7 +15,7 @@ inline constexpr uint64_t ticks_per_second = 10000000;
 inline constexpr uint64_t unix_epoch_filetime = 116444736000000000;  // 1970-01-01
 inline constexpr uint64_t ntp_epoch_filetime = 94354848000000000;    // 1900-01-01
 
-// How a 64-bit value encodes an instant. The values are bits, of which others are taken.
+// How a 64-bit value encodes an instant. Bit values; the rest are reserved.
 enum class type_time : uint32_t {
   filetime = 1,
   unix_time = 8,  // seconds since 1970
@@ -56,7 +56,7 @@ class time {
  public:
   uint64_t unix_seconds = 0;  // not to be used before 1970
   uint64_t filetime = 0;
-  uint64_t filetime_copy = 0;  // nothing reads it
+  uint64_t filetime_copy = 0;  // stored
   dos_pair dos_stamp = {};     // zero outside 1980 to 2037
   _windows_systemtime fields = {};
   bool valid = false;  // the object may be shown; nothing else may be read unless it is

@@ -75,9 +75,8 @@ class fileio {
   // The same for a 64-bit count, which must fit 32 bits. Where it does, false sets it to 0.
   [[nodiscard]] bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
 
-  // Reads `count` bytes from `offset`, or as many as the file has, into `out`, which takes that
-  // size and is then shortened by what could not be read, unless nothing could: then it holds as
-  // many zeros. A count of 0 leaves `out` alone. False only where nothing is open, `offset` is at
+  // Reads `count` bytes from `offset`, or as many as the file has, into `out`. On a short read `out`
+  // shrinks; if nothing came, it stays that many zeros. A count of 0 leaves `out` alone. False only where nothing is open, `offset` is at
   // or past the size, or there isn't the memory.
   [[nodiscard]] bool read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const;
 
@@ -107,13 +106,13 @@ class fileio {
 
   int fd = -1;
   int64_t cached_size = 0;
-  bool writable = false;  // nothing reads it
+  bool writable = false;  // stored
   bool opened = false;
-  bool keep_flag = false;  // nothing reads it
+  bool keep_flag = false;  // stored
   std::wstring path;
   std::vector<uint8_t> memory;
   bool memory_mode = false;
-  mutable uint64_t memory_pos = 0;  // the end of the last access to `memory`; nothing reads it
+  mutable uint64_t memory_pos = 0;  // the end of the last access to `memory`; stored
   std::unique_ptr<fileio_output> attached_output;
 };
 

@@ -44,6 +44,42 @@ CASES(cache, form, 4, any_number) {
   return in_words(lines_of(index_text_builder(c, 3), opts, true));
 }
 
+// Lends so many bytes, and sees what is written behind them.
+struct tight_sink : zk::line_sink {
+  explicit tight_sink(size_t size) : bytes(size + 9, '|') {}
+  std::span<char> space() override { return {bytes.data(), bytes.size() - 9}; }
+  void advance(size_t count) override { line = "in place: " + bytes.substr(0, count); }
+  void take(std::string_view text) override { line = text; }
+
+  std::string bytes;
+  std::string line;
+};
+
+TEST(Row, IsComposedInPlaceOnlyWhereAllOfItFits) {
+  struct cache_row row;
+  row.signature = url_signature;
+  row.last_mod = row.access = sample::filetime_of(2021, 3, 4, 5, 6, 7);
+  row.expires = 0xFFFFFFFF;  // no time
+  row.url = "http://u/?a,b";
+  row.file_size = row.count = 0xFFFFFFFF;
+  for (const char* mask : {"hh:mm:ss", "hh:mm:ss.xxx", "hh:mm:ss.xxxxxxxxx", "ss:xxxxx"}) {
+    for (const char* separator : {"", ",", "<separator>"}) {
+      cmd_opts opts;
+      opts.time_format = mask;
+      opts.csv_separator = separator;
+      std::string line;
+      for (size_t size = 400; size > 0; --size) {
+        row.local_time = size % 2 == 0;
+        tight_sink sink(size);
+        row_writer(sink, opts, {"directory"}).write_row(row, 1);
+        ASSERT_EQ(sink.bytes.substr(size), "|||||||||") << size;
+        const bool in_place = sink.line.starts_with("in place: ");
+        ASSERT_EQ(in_place, sink.line.size() - 10 * in_place <= size) << size;
+      }
+    }
+  }
+}
+
 // Takes all but the second line.
 struct failing_once : std::stringbuf {
   std::streamsize xsputn(const char*, std::streamsize size) override {

@@ -2,40 +2,35 @@
 
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string_view>
 
 #include "cache/cache_row.h"
 #include "cache/record_signature.h"
 
 record_table::kept_row::kept_row(const cache_row& from) : row(from) {
-  texts.reserve(row.url.size() + row.user.size() + row.filename.size() + row.http_header.size());
-  for (const std::string_view text : {row.url, row.user, row.filename, row.http_header}) {
-    texts.insert(texts.end(), text.begin(), text.end());
-  }
-  const char* begin = texts.data();
-  for (std::string_view* text : {&row.url, &row.user, &row.filename, &row.http_header}) {
-    *text = {begin, text->size()};
-    begin += text->size();
+  std::string_view* const all[] = {&row.url, &row.user, &row.filename, &row.http_header};
+  size_t size = 0;
+  for (const std::string_view* text : all) size += text->size();
+  texts = std::make_unique_for_overwrite<char[]>(size);
+  char* place = texts.get();
+  for (std::string_view* text : all) {
+    char* const end = std::copy(text->begin(), text->end(), place);
+    *text = {place, text->size()};
+    place = end;
   }
 }
 
 void record_table::add(const cache_row& row) {
   assert(row.offset >= first_searched);
   release_ahead_of(std::min(row.offset, first_open));
-  if (row.offset < first_open) {
-    // What is kept ahead of it has left.
-    if (!holds(row.offset)) take_final(row);
-    return;
-  }
-  const auto place = first_not_ahead_of(row.offset);
-  if (place == rows.end() || place->row.offset != row.offset) rows.emplace(place, row);
-}
-
-bool record_table::holds(uint64_t offset) const {
-  if (rows.empty()) return false;
-  const auto place = first_not_ahead_of(offset);
-  return place != rows.end() && place->row.offset == offset;
+  const auto is_ahead = [&row](const kept_row& kept) { return kept.row.offset < row.offset; };
+  const auto place = std::partition_point(rows.begin(), rows.end(), is_ahead);
+  if (place != rows.end() && place->row.offset == row.offset) return;  // the first one stays
+  if (row.offset < first_open) return take_final(row);                 // all ahead of it have left
+  rows.emplace(place, row);
 }
 
 void record_table::next_chunk_at(uint64_t position) {
@@ -47,11 +42,6 @@ void record_table::next_chunk_at(uint64_t position) {
 
 void record_table::end_input() {
   for (; !rows.empty(); rows.pop_front()) take_final(rows.front().row);
-}
-
-record_table::kept_rows::const_iterator record_table::first_not_ahead_of(uint64_t offset) const {
-  return std::lower_bound(rows.begin(), rows.end(), offset,
-                          [](const kept_row& kept, uint64_t at) { return kept.row.offset < at; });
 }
 
 void record_table::release_ahead_of(uint64_t offset) {

@@ -10,8 +10,8 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <memory>
 #include <utility>
-#include <vector>
 
 #include "cache/cache_row.h"
 
@@ -28,8 +28,6 @@ class record_table {
   // are dropped. Within a chunk rows come in ascending offset. Throws std::bad_alloc.
   void add(const cache_row& row);
 
-  // Whether a row under the offset is kept.
-  bool holds(uint64_t offset) const;
   bool empty() const { return rows.empty(); }
 
   // No row leaves before the input's end. To be said ahead of the first row.
@@ -46,17 +44,13 @@ class record_table {
   // A row with a copy of its texts.
   struct kept_row {
     explicit kept_row(const cache_row& from);
-    kept_row(kept_row&&) = default;
-    kept_row& operator=(kept_row&&) = default;
     cache_row row;
-    std::vector<char> texts;
+    std::unique_ptr<char[]> texts;
   };
-  using kept_rows = std::deque<kept_row>;
 
-  kept_rows::const_iterator first_not_ahead_of(uint64_t offset) const;
   void release_ahead_of(uint64_t offset);
 
-  kept_rows rows;
+  std::deque<kept_row> rows;
   row_taker take_final;
   bool keeps_all = false;
   uint64_t first_searched = 0;  // the first place that this chunk's search can reach

@@ -77,34 +77,20 @@ bool find_header(url_record& record, const record_bytes& bytes) {
 
 }  // namespace
 
-void correct_block_count(uint8_t* bytes, uint32_t limit, uint32_t next) {
-  if (next == no_record || !is_url_record(bytes, limit)) return;
-  zk::store_le32(bytes + url_layout::block_count, next / block_size);
-}
-
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t /*flag*/) {
-  const bool inside = bytes && offset <= limit;
-  uint8_t* const begin = inside ? bytes + offset : nullptr;
-  const uint32_t left = inside ? limit - static_cast<uint32_t>(offset) : 0;
-  const bool accepted = decode_url_at(record, begin, left, find_next_record(begin, left));
+  record = {};
   record.offset = static_cast<uint32_t>(offset);
-  return accepted;
-}
+  if (!bytes || offset > limit) return false;
+  uint8_t* const begin = bytes + offset;
+  const uint32_t left = limit - static_cast<uint32_t>(offset);
+  record.valid = is_url_record(begin, left);
+  if (!record.valid) return false;
+  std::memcpy(record.fixed.data(), begin, url_layout::fixed_size);
+  const uint32_t next = find_next_record(begin, left);
+  if (next != no_record) zk::store_le32(begin + url_layout::block_count, next / block_size);
 
-bool decode_url_at(url_record& record, uint8_t* bytes, uint32_t limit, uint32_t next) {
-  record.url = record.filename = record.user = record.http_header = {};
-  record.offset = 0;
-  record.in_gap = false;
-  record.valid = is_url_record(bytes, limit);
-  if (!record.valid) {
-    record.fixed = {};
-    return false;
-  }
-  std::memcpy(record.fixed.data(), bytes, url_layout::fixed_size);
-  correct_block_count(bytes, limit, next);
-
-  const record_bytes own = {bytes, bytes + limit, next == no_record ? limit : next};
+  const record_bytes own = {begin, begin + left, next == no_record ? left : next};
   // A LEAK record has no URL, and only a record whose URL fitted has a header and a user.
   bool whole = false;
   if (record.signature() == url_signature && !find_url(record, own, whole)) return false;

@@ -61,11 +61,3 @@ struct url_record {
 // to end there, while `record` keeps the file's own.
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t flag);
-
-// The same for a record at `bytes` itself, where it is known how far the next one is: `next` is
-// what find_next_record gives for `bytes` and `limit`.
-bool decode_url_at(url_record& record, uint8_t* bytes, uint32_t limit, uint32_t next);
-
-// Corrects the block count as decoding does, and does no more. Nothing happens where there is no
-// such record.
-void correct_block_count(uint8_t* bytes, uint32_t limit, uint32_t next);

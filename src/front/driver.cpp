@@ -37,25 +37,27 @@ class results_stream {
   // False, with a message, if the results file can't be opened.
   bool open(const cmd_opts& opts) {
     if (opts.out_path.empty()) return true;
-    if (file.open(opts.out_path, uni::fileio::access::write_truncated)) {
-      file_output = file.attach_output();
+    uni::fileio_output* const output =
+        file.open(opts.out_path, uni::fileio::access::write_truncated) ? file.attach_output()
+                                                                       : nullptr;
+    if (!output) {
+      std::fprintf(stderr, "prob opening results file: %s for writing\n", opts.out_path.c_str());
+      return false;
     }
-    if (file_output) return true;
-    std::fprintf(stderr, "prob opening results file: %s for writing\n", opts.out_path.c_str());
-    return false;
+    stream = output;
+    sink = output;
+    return true;
   }
 
-  std::ostream& out() { return file_output ? *file_output : std::cout; }
-  zk::line_sink& rows() {
-    if (file_output) return *file_output;
-    return standard_output;
-  }
-  int descriptor() const { return file_output ? file.descriptor() : STDOUT_FILENO; }
+  std::ostream& out() { return *stream; }
+  zk::line_sink& rows() { return *sink; }
+  int descriptor() const { return file.is_open() ? file.descriptor() : STDOUT_FILENO; }
 
  private:
   uni::fileio file;
-  uni::fileio_output* file_output = nullptr;  // the file's
   uni::stream_sink standard_output{std::cout};
+  std::ostream* stream = &std::cout;
+  zk::line_sink* sink = &standard_output;
 };
 
 int ignore_signal(const std::string&) {

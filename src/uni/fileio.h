@@ -75,9 +75,9 @@ class fileio {
   // The same for a 64-bit count, which must fit 32 bits. Where it does, false sets it to 0.
   [[nodiscard]] bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
 
-  // Reads `count` bytes from `offset`, or as many as the file has, into `out`. On a short read `out`
-  // shrinks; if nothing came, it stays that many zeros. A count of 0 leaves `out` alone. False only where nothing is open, `offset` is at
-  // or past the size, or there isn't the memory.
+  // Reads `count` bytes from `offset`, or as many as the file has, into `out`. On a short read
+  // `out` shrinks; if nothing came, it stays that many zeros. A count of 0 leaves `out` alone.
+  // False only where nothing is open, `offset` is at or past the size, or there isn't the memory.
   [[nodiscard]] bool read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const;
 
   // Write `count` bytes at the end or at `offset` with one system write. False where nothing is

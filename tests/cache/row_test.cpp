@@ -1,16 +1,21 @@
 // From a record to its row, and from the row to its line.
 #include <ios>
 #include <ostream>
+#include <span>
 #include <sstream>
+#include <string_view>
 
 #include "cache/cache_row.h"
 #include "cache/index_dat.h"
 #include "cache/record_scan.h"
+#include "cache/record_signature.h"
 #include "cache/record_table.h"
 #include "cache/row_writer.h"
 #include "opts/cmd_opts.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/shown.h"
+#include "text/line_sink.h"
+#include "tools/index_builder.h"
 #include "tools/index_text_builder.h"
 #include "uni/fileio_output.h"
 

@@ -91,7 +91,7 @@ scenario '  read from the disk: dd' 1.1 "$cold; $few" \
   "$cold; dd if=few-1G.dat of=/dev/null bs=1M status=none"
 dense="$udx -f dense-1G.dat -out $out/rows"
 scenario '1 GiB, dense: wc of the output' 0.5 "$dense" "wc $out/rows >$out/found"
-scenario '  cat of it and cp of the output' 1.7 "$dense" \
+scenario '  cat of it and cp of the output' 2.2 "$dense" \
   "cat dense-1G.dat >/dev/null; cp $out/rows $out/copy"
 rm "$out/copy"
 scenario '  to a pipe: to a file' '' "$udx -f dense-1G.dat | cat >/dev/null" "$dense"

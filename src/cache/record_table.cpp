@@ -26,10 +26,14 @@ record_table::kept_row::kept_row(const cache_row& from) : row(from) {
 void record_table::add(const cache_row& row) {
   assert(row.offset >= first_searched);
   release_ahead_of(std::min(row.offset, first_open));
-  const auto is_ahead = [&row](const kept_row& kept) { return kept.row.offset < row.offset; };
-  const auto place = std::partition_point(rows.begin(), rows.end(), is_ahead);
-  if (place != rows.end() && place->row.offset == row.offset) return;  // the first one stays
-  if (row.offset < first_open) return take_final(row);                 // all ahead of it have left
+  auto place = rows.end();
+  if (!rows.empty() && rows.back().row.offset >= row.offset) {
+    // Only an overlap brings a row again, or one that belongs before others.
+    const auto is_before = [&row](const kept_row& kept) { return kept.row.offset < row.offset; };
+    place = std::partition_point(rows.begin(), rows.end(), is_before);
+    if (place->row.offset == row.offset) return;  // the first one stays
+  }
+  if (row.offset < first_open) return take_final(row);  // all before it have left
   rows.emplace(place, row);
 }
 

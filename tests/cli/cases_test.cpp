@@ -117,8 +117,8 @@ struct Runs : testing::Test {
     const string start = "cd '" + dir.path() +
                          "'; exec </dev/null 3>&- >out 2>err; udx='" UDX_PROGRAM
                          "' preload=" UDX_PRELOAD " shim='" UDX_SHIM "' examples='" UDX_SOURCE
-                         "/examples'; . '" UDX_SOURCE "/tests/cli/runs.sh'; . '" UDX_SOURCE
-                         "/tests/cli/fault_loops.sh'\n";
+                         "/examples' tests='" UDX_SOURCE
+                         "/tests/cli'; . \"$tests/runs.sh\"; . \"$tests/fault_loops.sh\"\n";
     const int ended = std::system((start + lines).c_str());
     return {read_file(dir.path("out")), read_file(dir.path("err")),
             WIFEXITED(ended) ? WEXITSTATUS(ended) : 128 + WTERMSIG(ended)};

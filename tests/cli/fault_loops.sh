@@ -29,7 +29,7 @@ fault_loop() {
   rm -f log
   facts | diff ../before -
   rm -f rows
-  (cd ../runs && ls -- *.status) | awk -v rows="$1" -v dir=../runs/ "$look_at_runs"
+  (cd ../runs && ls -- *.status) | awk -v rows="$1" -v dir=../runs/ -f "$tests/check_runs.awk"
 }
 
 # run_with CALL N ON: the N-th of a call fails, and where ON is 1 all behind it.
@@ -42,6 +42,7 @@ run_with() {
   [ ! -f rows ] || cat rows >>"$to.out"
 }
 
+# fail CALL N...: runs in which these calls fail, each alone and with all behind it.
 fail() {
   call=$1
   shift
@@ -50,79 +51,3 @@ fail() {
     run_with "$call" "$at" 1
   done
 }
-
-# For awk: reads the names of runs, and looks at what each printed beside that without a fault.
-look_at_runs='
-  function wrong(what) {
-    print run ": " what
-  }
-  # Cuts a line where progress was shown, and takes the time out.
-  function pieces_of(line) {
-    gsub(/\033\[2K\r *\r/, "\n", line)
-    gsub(/percent( done)?: [0-9]+\r/, "\n", line)
-    sub(/^run date: [^;]*/, "run date: ", line)
-    return split(line, piece, "\n")
-  }
-  function hear(message) {
-    if (message !~ known) wrong(message)
-    if (heard[message]++) wrong("twice: " message)
-    if (message ~ /^probs parsing file: /) told = 1
-  }
-  function look(line,    i) {
-    if (line == "") return
-    for (i = place; i <= lines && whole[i] != line;) i++
-    if (i <= lines) {
-      place = i + 1
-      if (line ~ row) found++
-      if (line ~ titles) titled = 1
-      if (found && !titled) wrong("no titles")
-    } else if (line !~ (run ~ /^allocation/ ? "^Using locale " : "^(run date: |Using locale )")) {
-      # Only what a failing call was to tell may be missing in the details of the run.
-      # Rows may end early where they cannot be written, the last with a part.
-      if (rest != "") wrong("behind a part: " line)
-      if (line ~ known) hear(line)
-      else if (run ~ /^f?write\./) rest = line
-      else wrong("not in its place: " line)
-    }
-  }
-  BEGIN {
-    row = ",URL ,"
-    titles = "^last mod date,"
-    known = "^(out of memory|probs parsing file: [a-zA-Z0-9./_]*|success|->[-+.e0-9]+ secs|" \
-      "prob opening ([^ ]+ for read|file rows for output), aborting|" \
-      "prob opening results file: rows for writing|prob creating virtual vmware disk mapping|" \
-      "[a-z]+ can.t be opened|suggested array: -vmdk \"[^\"]*\"|=> vmdk file: leaf|" \
-      " depends on parent vmdk |Child VMDK points to a parent VMDK that doesn.t exist, aborting)$"
-    while ((getline line <(dir "whole")) > 0) {
-      count = pieces_of(line)
-      for (i = 1; i <= count; i++) whole[++lines] = piece[i]
-      if (line ~ row) all++
-    }
-    if (all != rows) print "rows without a fault: " all + 0
-  }
-  {
-    run = substr($0, 1, length($0) - length(".status"))
-    if (run ~ /\.0\.0$/) next
-    runs++
-    found = titled = told = 0
-    place = 1
-    rest = ""
-    split("", heard)
-    getline status <(dir $0)
-    if (status != 0 && status != 255) wrong("status " status)
-    while ((getline line <(dir run ".out")) > 0) {
-      count = pieces_of(line)
-      for (i = 1; i <= count; i++) look(piece[i])
-    }
-    while ((getline line <(dir run ".err")) > 0) {
-      count = pieces_of(line)
-      for (i = 1; i <= count; i++) if (piece[i] != "") hear(piece[i])
-    }
-    if (run ~ /^allocation/ && status == 0 && found != rows && !told) wrong("lost in silence")
-    close(dir $0)
-    close(dir run ".out")
-    close(dir run ".err")
-  }
-  END {
-    if (runs < 50) print "too few faults: " runs + 0
-  }'

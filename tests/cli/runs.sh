@@ -1,6 +1,6 @@
 # Read by the shell ahead of each line of cases.txt and faults.txt. The program is $udx, the library
 # of faults $shim, beside which that of failing calls lies, what an assignment begins with that puts
-# one ahead of the program $preload, the folder of examples $examples.
+# one ahead of the program $preload, the folder of examples $examples, that of this file $tests.
 
 # Makes the inputs that take no builder, beside those of cases_test.cpp.
 make_rest() {

@@ -119,15 +119,15 @@ void seed_texts() {
   }
   std::ofstream(root / "options.dict") << words;
   for (const test_case& c : cases_of("front/filter")) {
-    seed("filter", apart_by_nul({c.inputs[0], c.inputs.back(), "DE AD|4"}));
+    seed("filter", apart_by_nul({c[0], c[1], "DE AD|4"}));
   }
   const std::string moment = le(sample::filetime_of(2009, 7, 21, 18, 4, 5) + 1234567, 8);
   for (const test_case& c : cases_of("time/mask")) {
-    seed("times", moment + apart_by_nul({c.inputs[0], c.inputs[1], "2020-1-5", "1:2:3", "YMD-"}));
+    seed("times", moment + apart_by_nul({c["date"], c["time"], "2020-1-5", "1:2:3", "YMD-"}));
   }
   for (const test_case& c : cases_of("time/parsed")) {
-    const std::string order = c.inputs[1] + c.inputs[2];
-    seed("times", moment + apart_by_nul({"mm/dd/yy", "hh:mm:ss", c.inputs[0], c.inputs[3], order}));
+    const std::string order = c["order"] + c["separator"];
+    seed("times", moment + apart_by_nul({"mm/dd/yy", "hh:mm:ss", c[0], c["time"], order}));
   }
   seed("utf8", "A\x7F\xC2\x80\xDF\xBF\xE0\xA0\x80\xEF\xBF\xBF\xF0\x90\x80\x80\xF4\x8F\xBF\xBF");
   seed("utf8", le(0xD800, 4) + le(0x10FFFF, 4) + le(0x110000, 4));

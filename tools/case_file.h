@@ -1,18 +1,28 @@
 // The tables that the tests are, and that the fuzz targets start from: cases in text files,
-// tests/FOLDER/cases.txt or another name. A case is
+// tests/FOLDER/cases.txt or another name. Ahead of the cases of a kind, or of several, stands a
+// line that says what their inputs are:
 //
+//   KIND, KIND: TITLE | TITLE => what is expected
 //   KIND | INPUT | INPUT => EXPECTED
 //
-// and goes on in the lines below it that begin with a blank, each line's end counting as one blank.
-// Blanks around an input don't count; \n \t \r \0 \\ and \xHH stand for those characters. An empty
-// line or one that begins with # is no case; any other must be one. What can't be understood throws
-// an error that begins with the file and the line.
+// A title is one of these; at most three stand for inputs without names.
+//
+//   path      an input without a name
+//   at=       an input with a name, as at=0x80; where the last title is a list, ahead of that
+//   [at=0]    the same, and what it is where a case leaves it out
+//   part...   as the last title: a list, any number of inputs without names
+//
+// A case goes on in the lines below it that begin with a blank, each line's end counting as one
+// blank. Blanks around an input don't count; \n \t \r \0 \\ and \xHH stand for those characters.
+// An empty line or one that begins with # is no case; any other must be one. What can't be
+// understood throws an error that begins with the file and the line.
 #pragma once
 
 #include <charconv>
 #include <cstdint>
 #include <ios>
 #include <limits>
+#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -26,10 +36,13 @@ struct test_case {
   std::string file;  // from the top of the source tree
   int line = 0;
   std::string kind;
-  strings inputs;
-  std::string whole_input;  // the same with the bars between
+  strings inputs;  // those without a name
+  std::map<std::string, std::string> named;
+  std::string whole_input;  // all with the bars between
   std::string expected;
 
+  const std::string& operator[](size_t place) const { return inputs.at(place); }
+  const std::string& operator[](const std::string& name) const;
   std::runtime_error error(const std::string& what) const;
 };
 
@@ -40,6 +53,9 @@ std::vector<test_case> parse_cases(const std::string& file, const std::string& t
 // of which there is at least one.
 std::string file_of(const std::string& table);
 std::vector<test_case> cases_of(const std::string& table);
+
+// The case that begins at a place "FILE:LINE". Throws if none does.
+test_case case_at(const std::string& place);
 
 // What a file of the source tree holds, and any file; nothing where it can't be read.
 std::string source_file(const std::string& name);

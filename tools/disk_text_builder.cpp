@@ -28,15 +28,15 @@ uint8_t* put_word(uint8_t* record, uint8_t* entry, const std::string& word) {
 
 }  // namespace
 
-std::vector<uint8_t> vmdk_from_text(const strings& inputs, size_t first) {
-  vmdk_builder builder{inputs[first]};
-  const std::string& grains = inputs[first + 1];
+std::vector<uint8_t> vmdk_from_text(const std::string& keys, const std::string& grains,
+                                    const strings& changes) {
+  vmdk_builder builder{keys};
   for (uint32_t n = 0; n < grains.size(); ++n) {
     if (grains[n] != '.') builder.grains[n].assign(4096, static_cast<uint8_t>(grains[n]));
   }
   std::vector<uint8_t> made = builder.bytes();
-  for (size_t i = first + 2; i < inputs.size(); ++i) {
-    const strings change = cells(inputs[i], '=');
+  for (const std::string& each : changes) {
+    const strings change = cells(each, '=');
     if (change.size() == 1) {
       made.resize(number<size_t>(change[0]));
     } else {
@@ -46,10 +46,10 @@ std::vector<uint8_t> vmdk_from_text(const strings& inputs, size_t first) {
   return made;
 }
 
-std::vector<uint8_t> boot_records_from_text(const strings& inputs, size_t first) {
-  std::vector<uint8_t> disk(number<size_t>(inputs[first]));
-  for (size_t i = first + 1; i < inputs.size(); ++i) {
-    const strings words = cells(inputs[i], ' ');
+std::vector<uint8_t> boot_records_from_text(const std::string& size, const strings& records) {
+  std::vector<uint8_t> disk(number<size_t>(size));
+  for (const std::string& each : records) {
+    const strings words = cells(each, ' ');
     const auto at = number<size_t>(words[0]);
     disk.resize(std::max(disk.size(), at + mbr_layout::size));
     uint8_t* const record = &disk[at];

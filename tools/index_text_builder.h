@@ -25,9 +25,8 @@
 
 class index_text_builder {
  public:
-  // From the inputs of a case, without the first `skipped`.
-  explicit index_text_builder(const strings& inputs, size_t skipped = 0) {
-    for (size_t i = skipped; i < inputs.size(); ++i) add(inputs[i]);
+  explicit index_text_builder(const strings& parts) {
+    for (const std::string& part : parts) add(part);
     bytes.shrink_to_fit();
   }
 

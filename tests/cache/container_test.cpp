@@ -16,17 +16,11 @@
 
 namespace {
 
-CASES(cache, header, 2) {
-  index_text_builder bytes(c);
+CASES(cache, header) {
+  index_text_builder bytes(c.inputs);
   cache_container container;
   const bool read = read_header(container, bytes.data(), bytes.size());
   return joined(read, reinterpret_cast<const char*>(container.header.data()));
-}
-
-CASES(cache, fits, 3) {
-  static const uint8_t bytes[101] = {};
-  const uint8_t* const base = bytes + 1;
-  return joined(range_fits(base, base + number<int>(c[0]), number(c[1]), number(c[2])));
 }
 
 TEST(Container, NullIsNothing) {
@@ -37,7 +31,7 @@ TEST(Container, NullIsNothing) {
   EXPECT_FALSE(read_hash_block(block, nullptr, 0, 4096));
 }
 
-CASES(cache, kind, 1) {
+CASES(cache, kind) {
   cmd_opts opts;
   opts.file_kind = 99;
   opts.input_path = c[0];
@@ -45,11 +39,11 @@ CASES(cache, kind, 1) {
   return joined(opts.file_kind, matched);
 }
 
-CASES(cache, names, 1, any_number) {
+CASES(cache, names) {
   static cache_container container;
   strings parts = {"text Client UrlCache", "0x50:FIRST",     "0x5C:SECOND",
                    "0xC38:NAME 254",       "0xC44:NAME 255", "size 4096"};
-  parts.insert(parts.end(), c.begin(), c.end());
+  parts.insert(parts.end(), c.inputs.begin(), c.inputs.end());
   index_text_builder bytes(parts);
   strings directories;
   std::string found =
@@ -69,10 +63,10 @@ CASES(cache, names, 1, any_number) {
   return found;
 }
 
-CASES(cache, hash_block, 2, any_number) {
+CASES(cache, hash_block) {
   static hash_block block;
-  index_text_builder bytes(c, 1);
-  const bool read = read_hash_block(block, bytes.data(), number(c[0]), bytes.size());
+  index_text_builder bytes(c.inputs);
+  const bool read = read_hash_block(block, bytes.data(), number(c["at"]), bytes.size());
   EXPECT_EQ(read, block.parsed);
   std::ostringstream found;
   found << std::boolalpha << read << std::hex;
@@ -82,12 +76,13 @@ CASES(cache, hash_block, 2, any_number) {
   return found.str();
 }
 
-CASES(cache, walk, 2, any_number) {
+CASES(cache, walk) {
   static cache_container container;
-  index_text_builder bytes(c, 1);
+  index_text_builder bytes(c.inputs);
   std::ostringstream found;
-  found << std::boolalpha << walk_hash_chain(container, bytes.data(), bytes.size(), c[0] == "gaps")
-        << " " << container.hash_blocks.size();
+  found << std::boolalpha
+        << walk_hash_chain(container, bytes.data(), bytes.size(), c["gaps"] == "yes") << " "
+        << container.hash_blocks.size();
   for (const std::string& name : container.directories) found << " " << name;
   for (const auto& [offset, range] : container.occupied) {
     found << ", " << std::hex << offset << "+" << range.length << std::dec << " " << range.url_index

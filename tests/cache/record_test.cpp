@@ -16,10 +16,10 @@ std::string as_shown(char* (*put)(char*, std::string_view), std::string_view tex
 }
 
 // Both decode into a record that the case before has used.
-CASES(cache, url_record, 2, any_number) {
+CASES(cache, url_record) {
   static url_record record;
-  const uint64_t offset = number(c[0]);
-  index_text_builder bytes(c, 1);
+  const uint64_t offset = number(c["at"]);
+  index_text_builder bytes(c.inputs);
   const bool accepted = decode_url_record(record, bytes.data(), offset, bytes.size(), 1);
   EXPECT_EQ(record.offset, static_cast<uint32_t>(offset));
   const char* const state[] = {"none", "refused", "accepted"};
@@ -29,10 +29,10 @@ CASES(cache, url_record, 2, any_number) {
                 header.size() > 99 ? std::to_string(header.size()) : header);
 }
 
-CASES(cache, redr_record, 2, any_number) {
+CASES(cache, redr_record) {
   static redr_record record;
-  const uint64_t offset = number(c[0]);
-  index_text_builder bytes(c, 1);
+  const uint64_t offset = number(c["at"]);
+  index_text_builder bytes(c.inputs);
   const bool accepted = decode_redr_record(record, bytes.data(), offset, bytes.size());
   EXPECT_EQ(accepted, record.valid);
   EXPECT_EQ(record.offset, accepted ? offset : 0);

@@ -34,19 +34,19 @@ std::string lines_of(index_text_builder bytes, const cmd_opts& opts, bool with_t
   return out.str();
 }
 
-CASES(cache, row, 2, any_number) {
+CASES(cache, row) {
   cmd_opts opts;
-  opts.input_path = c[0];
+  opts.input_path = c["path"];
   classify_path(opts);
-  return lines_of(index_text_builder(c, 1), opts);
+  return lines_of(index_text_builder(c.inputs), opts);
 }
 
-CASES(cache, form, 4, any_number) {
+CASES(cache, form) {
   cmd_opts opts;
-  opts.verbose = c[0] != "short";
-  opts.carve_columns = c[1] == "carve";
-  opts.time_format = c[2];
-  return in_words(lines_of(index_text_builder(c, 3), opts, true));
+  opts.verbose = c["cells"] == "full";
+  opts.carve_columns = c["columns"] == "carve";
+  opts.time_format = c["time"];
+  return in_words(lines_of(index_text_builder(c.inputs), opts, true));
 }
 
 // Lends so many bytes, and sees what is written behind them.
@@ -83,25 +83,6 @@ TEST(Row, IsComposedInPlaceOnlyWhereAllOfItFits) {
       }
     }
   }
-}
-
-// Takes all but the second line.
-struct failing_once : std::stringbuf {
-  std::streamsize xsputn(const char*, std::streamsize size) override {
-    return ++lines == 2 ? 0 : size;
-  }
-  int lines = 0;
-};
-
-TEST(Row, NoneFollowsOneThatCouldNotBeWritten) {
-  const cmd_opts opts;
-  const strings no_directories;
-  failing_once buffer;
-  std::ostream out(&buffer);
-  uni::stream_sink sink(out);
-  row_writer writer(sink, opts, no_directories);
-  for (int i = 0; i < 3; ++i) writer.write_row({}, 1);
-  EXPECT_EQ(buffer.lines, 2);
 }
 
 }  // namespace

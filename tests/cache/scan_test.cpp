@@ -69,17 +69,17 @@ TEST(Table, GivesWhatIsFinalAndNoMore) {
   EXPECT_EQ(given, "383 384 385 386 387 639 640 ");
 }
 
-CASES(cache, input, 3, 4) {
+CASES(cache, input) {
   static const temp_dir dir;
   static cmd_opts opts;  // which keeps what crosses from one input to the next
   static const bool written =
       !dir.write("f", sample::index_file().add(record::redr("r")).bytes()).empty();
   EXPECT_TRUE(written);
-  opts.carve_columns = c[0] == "file";
-  opts.input_path = opts.carve_columns ? dir.path(c[1]) : "";
-  opts.partition_path = opts.carve_columns ? "" : dir.path(c[1]);
-  std::filesystem::resize_file(dir.path("f"), number(c[2]));
-  if (c.size() > 3) {
+  opts.carve_columns = c["source"] == "file";
+  opts.input_path = opts.carve_columns ? dir.path(c["name"]) : "";
+  opts.partition_path = opts.carve_columns ? "" : dir.path(c["name"]);
+  std::filesystem::resize_file(dir.path("f"), number(c["size"]));
+  if (c["quiet"] == "yes") {
     opts.show_progress = false;
     opts.write_header = false;
     opts.header_pending = true;

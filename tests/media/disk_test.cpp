@@ -25,9 +25,9 @@ using bytes = std::vector<uint8_t>;
 using std::string;
 
 // Writes an extent and reads of it, here and there; the keys and the volumes found in it.
-string written(const temp_dir& dir, const strings& c) {
+string written(const temp_dir& dir, const string& name, const bytes& made) {
   VMDK_EXTENT extent;
-  const bool valid = extent.open(zk::utf8_to_wide(dir.write(c[0], vmdk_from_text(c, 1))), false);
+  const bool valid = extent.open(zk::utf8_to_wide(dir.write(name, made)), false);
   for (const uint64_t offset : {uint64_t{0}, uint64_t{5000}, ~uint64_t{0}, uint64_t{1} << 40}) {
     uint32_t count = 8192;
     bytes out(count);
@@ -41,23 +41,24 @@ string written(const temp_dir& dir, const strings& c) {
   return found;
 }
 
+string write_extent(const temp_dir& dir, const test_case& c) {
+  return written(dir, c["file"], vmdk_from_text(c["keys"], c["grains"], c.inputs));
+}
+
 // A folder with the table's extents.
 const temp_dir& extents() {
   static const temp_dir dir;
   static bool filled = false;
   if (!filled) {
-    for (const test_case& each : cases_of("media/extent")) written(dir, each.inputs);
+    for (const test_case& each : cases_of("media/extent")) write_extent(dir, each);
   }
   filled = true;
   return dir;
 }
 
-// The paths of the files that a case names behind its first `skipped` columns.
-std::vector<std::wstring> paths(const strings& c, size_t skipped) {
+std::vector<std::wstring> paths(const strings& names) {
   std::vector<std::wstring> found;
-  for (size_t i = skipped; i < c.size(); ++i) {
-    found.push_back(zk::utf8_to_wide(extents().path(c[i])));
-  }
+  for (const string& name : names) found.push_back(zk::utf8_to_wide(extents().path(name)));
   return found;
 }
 
@@ -72,18 +73,18 @@ string run_lengths(const bytes& out) {
 }
 
 // How a disk is seen, and what a read of it leaves in a buffer of question marks.
-string seen(const RAW_DISK_IO& disk, const string& place, const string& size) {
-  const auto offset = number<int64_t>(place);
-  uint32_t count = number32(size);
+string seen(const RAW_DISK_IO& disk, const test_case& c) {
+  const auto offset = number<int64_t>(c["at"]);
+  uint32_t count = number32(c["size"]);
   bytes out(std::max(count, 1U), '?');
   const bool hole = uni::stretch_finder(disk).all_zeros(static_cast<uint64_t>(offset), count);
   const bool came = disk.read(out.data(), count, offset);
-  EXPECT_NE(disk.stretch_at(number(place)).end, number(place));
+  EXPECT_NE(disk.stretch_at(number(c["at"])).end, number(c["at"]));
   return joined(disk.is_open(), disk.size(), hole, came, count) + run_lengths(out);
 }
 
-CASES(media, extent, 3, any_number) {
-  return written(extents(), c);
+CASES(media, extent) {
+  return write_extent(extents(), c);
 }
 
 // A disk of 128 tables of 512 bytes each, which come again with each 2 TiB. Only the first holds
@@ -104,61 +105,60 @@ TEST(Extent, TakesNoMemoryForTablesThatItHasNot) {
   rusage before = {};
   rusage after = {};
   ::getrusage(RUSAGE_SELF, &before);
-  written(extents(), {"h", "", "", "44=0x4000000", "1536=3"});
+  written(extents(), "h", vmdk_from_text("", "", {"44=0x4000000", "1536=3"}));
   ::getrusage(RUSAGE_SELF, &after);
   EXPECT_LT(after.ru_maxrss, before.ru_maxrss + 100000);  // in KiB
 }
 
-CASES(media, header, 1, any_number) {
-  strings base = {"h", "CID=b\nparentCID=ffffffff", "BBB"};
-  base.insert(base.end(), c.begin(), c.end());
-  return written(extents(), base);
+CASES(media, header) {
+  const bytes made = vmdk_from_text("CID=b\nparentCID=ffffffff", "BBB", c.inputs);
+  return written(extents(), "h", made);
 }
 
-CASES(media, check, 0, any_number) {
+CASES(media, check) {
   std::ostringstream text;
   std::vector<std::wstring> suggested;
-  const bool result = disk_chain_check(paths(c, 0), text, suggested);
+  const bool result = disk_chain_check(paths(c.inputs), text, suggested);
   for (const std::wstring& path : suggested) text << '[' << zk::wide_to_utf8(path) << ']';
   return replaced(joined(result, text.str()), extents().path(), "~");
 }
 
-CASES(media, disk, 2, any_number) {
-  return seen(RAW_DISK_IO(paths(c, 2), false), c[0], c[1]);
+CASES(media, disk) {
+  return seen(RAW_DISK_IO(paths(c.inputs), false), c);
 }
 
 // A read that an extent answers by itself, across grains.
-CASES(media, grains, 3) {
+CASES(media, grains) {
   VMDK_EXTENT extent;
-  EXPECT_TRUE(extent.open(paths(c, 2)[0], false));
-  uint32_t count = number32(c[1]);
+  EXPECT_TRUE(extent.open(paths(c.inputs)[0], false));
+  uint32_t count = number32(c["size"]);
   bytes out(count, '?');
-  const bool came = extent.read_extent(extent.m_fd, out.data(), number(c[0]), count);
+  const bool came = extent.read_extent(extent.m_fd, out.data(), number(c["at"]), count);
   return joined(came, count) + run_lengths(out);
 }
 
-CASES(media, image, 4) {
+CASES(media, image) {
   const temp_dir dir;
-  const string path = dir.write("image", string(number(c[0]), 'x'));
+  const string path = dir.write("image", string(number(c["of"]), 'x'));
   const RAW_DISK_IO disk(path, false);
-  std::filesystem::resize_file(path, number(c[1]));
-  return seen(disk, c[2], c[3]);
+  std::filesystem::resize_file(path, number(c["cut"]));
+  return seen(disk, c);
 }
 
 TEST(Disk, WithoutABufferOrAFile) {
   uint32_t count = 10;
-  EXPECT_FALSE(RAW_DISK_IO(paths({"base.vmdk"}, 0), false).read(nullptr, count, 0));
+  EXPECT_FALSE(RAW_DISK_IO(paths({"base.vmdk"}), false).read(nullptr, count, 0));
   EXPECT_FALSE(RAW_DISK_IO("", false).is_open());
   // What was never opened isn't closed.
   EXPECT_NE(::fcntl(STDIN_FILENO, F_GETFD), -1);
   EXPECT_FALSE(RAW_DISK_IO(extents().path("none"), false).is_open());
 }
 
-CASES(media, map, 2, any_number) {
-  const bytes disk = boot_records_from_text(c, 1);
+CASES(media, map) {
+  const bytes disk = boot_records_from_text(c["size"], c.inputs);
   VOLUME_LIST volumes(3);
-  const bool carving = c[0] == "carving";
-  string text = joined(partition_map(disk.data(), number(c[1]), volumes, carving));
+  const bool carving = c["carving"] == "yes";
+  string text = joined(partition_map(disk.data(), number(c["size"]), volumes, carving));
   for (const auto& v : volumes) {
     text += " " + joined(v.m_start_sector, v.m_num_sectors, v.m_type, v.m_sector_size,
                          v.m_file_system, v.m_sectors_per_cluster);

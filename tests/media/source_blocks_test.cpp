@@ -7,14 +7,14 @@
 
 namespace {
 
-CASES(media, blocks, 2, any_number) {
+CASES(media, blocks) {
   const temp_dir dir;
-  const std::string path = dir.write("f", std::string(number(c[0]), 'x'));
+  const std::string path = dir.write("f", std::string(number(c["size"]), 'x'));
   const uni::fileio file(path);
   std::string found;
-  size_t next = 2;
+  size_t next = 0;
   const auto resize = [&] {
-    if (next < c.size()) std::filesystem::resize_file(path, number(c[next++]));
+    if (next < c.inputs.size()) std::filesystem::resize_file(path, number(c[next++]));
   };
   resize();
   const auto see = [&](const source_block& b) {
@@ -24,7 +24,7 @@ CASES(media, blocks, 2, any_number) {
                     b.position, b.size, b.overlap);
     resize();
   };
-  EXPECT_TRUE(scan_file_blocks(file, see, 32768, 4096, number(c[1])));
+  EXPECT_TRUE(scan_file_blocks(file, see, 32768, 4096, number(c["start"])));
   return found;
 }
 

@@ -6,14 +6,15 @@
 
 namespace {
 
-// Read as a file in which the kind "one" has one input and "some" two at least.
-CASES(support, file, 1) {
+CASES(support, file) {
+  const std::string titles = "one: a =>\nsome: a | b | c... =>\nnamed: at= | [size=8] | c... =>\n";
   try {
-    const std::vector<test_case> cases = parse_cases("t", c[0]);
-    require_known(cases, {{"one", {1, 1}}, {"some", {2, any_number}}});
+    const std::vector<test_case> cases = parse_cases("t", titles + c[0]);
+    require_known(cases, {"one", "some", "named"});
     std::string seen;
     for (const test_case& each : cases) {
       seen += std::to_string(each.line) + " " + each.kind;
+      for (const auto& [name, input] : each.named) seen += " " + name + "=" + input;
       for (const std::string& input : each.inputs) seen += " [" + input + "]";
       seen += " " + each.expected + "; ";
     }
@@ -23,7 +24,7 @@ CASES(support, file, 1) {
   }
 }
 
-CASES(support, number, 2) {
+CASES(support, number) {
   try {
     if (c[0] == "byte") return std::to_string(number<uint8_t>(c[1]));
     if (c[0] == "signed") return std::to_string(number<int32_t>(c[1]));
@@ -33,7 +34,7 @@ CASES(support, number, 2) {
   }
 }
 
-CASES(support, difference, 2) {
+CASES(support, difference) {
   return difference(c[0], c[1]);
 }
 

@@ -1,24 +1,20 @@
 #include "tests/support/check_cases.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <exception>
 #include <functional>
 #include <map>
 #include <utility>
 
-std::map<std::string, known_kinds>& declared_kinds() {
-  static std::map<std::string, known_kinds> kinds;
+std::map<std::string, std::set<std::string>>& declared_kinds() {
+  static std::map<std::string, std::set<std::string>> kinds;
   return kinds;
 }
 
-void require_known(const std::vector<test_case>& cases, const known_kinds& kinds) {
+void require_known(const std::vector<test_case>& cases, const std::set<std::string>& kinds) {
   for (const test_case& each : cases) {
-    const auto known = kinds.find(each.kind);
-    if (known == kinds.end()) throw each.error("unknown kind '" + each.kind + "'");
-    const auto [fewest, most] = known->second;
-    const size_t count = each.inputs.size();
-    if (count < fewest) throw each.error("missing input: " + joined(count, fewest));
-    if (count > most) throw each.error("surplus input: " + joined(count, most));
+    if (!kinds.contains(each.kind)) throw each.error("unknown kind '" + each.kind + "'");
   }
 }
 
@@ -32,15 +28,22 @@ std::string difference(const std::string& expected, const std::string& actual) {
          "^ first difference\n";
 }
 
-case_kind::case_kind(const std::string& table_name, size_t fewest, size_t most)
-    : table(table_name) {
-  declared_kinds()[file_of(table)][table.substr(table.rfind('/') + 1)] = {fewest, most};
+case_kind::case_kind(const std::string& table_name) : table(table_name) {
+  declared_kinds()[file_of(table)].insert(table.substr(table.rfind('/') + 1));
 }
 
 void case_kind::check(const std::function<std::string(const test_case&)>& shown) const {
   const std::string file = file_of(table);
   require_known(parse_cases(file, source_file(file)), declared_kinds()[file]);
-  for (const test_case& each : cases_of(table)) {
+  std::vector<test_case> cases = cases_of(table);
+  if (const char* const place = std::getenv("CASE")) {
+    const test_case wanted = case_at(place);
+    std::erase_if(cases, [&](const test_case& each) {
+      return each.file != wanted.file || each.line != wanted.line;
+    });
+    if (cases.empty()) GTEST_SKIP() << "has no case at " << place;
+  }
+  for (const test_case& each : cases) {
     try {
       const std::string actual = shown(each);
       if (actual == each.expected) continue;

@@ -1,10 +1,12 @@
 // Tests that are tables of cases.
 //
-//   CASES(front, filter, 2) { return joined(takes(compiled(c[0]), c[1])); }
+//   CASES(front, filter) { return joined(takes(compiled(c[0]), c[1])); }
 //
-// is the test front.filter: it expects of each case of the kind "filter" in tests/front/cases.txt,
-// which has two inputs, what the body gives for the inputs `c`. A test with a range of numbers
-// names the most behind the fewest. All kinds of a file must be declared in the same program.
+// is the test front.filter: it expects of each case of the kind "filter" in tests/front/cases.txt
+// what the body gives for the case `c`. All kinds of a file must be declared in the same program.
+//
+// With CASE=FILE:LINE in the environment only the case that begins there is checked, and each test
+// without it is skipped.
 #pragma once
 
 // Each test has these from here.
@@ -20,22 +22,14 @@
 // IWYU pragma: end_exports
 
 #include <functional>
-#include <limits>
 #include <map>
-
-// The fewest and the most inputs of a case.
-struct input_count {
-  size_t fewest;
-  size_t most;
-};
-using known_kinds = std::map<std::string, input_count>;
-inline constexpr size_t any_number = std::numeric_limits<size_t>::max();
+#include <set>
 
 // The kinds that this program declares, by file.
-std::map<std::string, known_kinds>& declared_kinds();
+std::map<std::string, std::set<std::string>>& declared_kinds();
 
-// Throws the error of the first case whose kind isn't known or whose inputs are too few or many.
-void require_known(const std::vector<test_case>& cases, const known_kinds& kinds);
+// Throws the error of the first case whose kind isn't among these.
+void require_known(const std::vector<test_case>& cases, const std::set<std::string>& kinds);
 
 // Where two texts part: both, one below the other, and a mark below the first place that differs.
 std::string difference(const std::string& expected, const std::string& actual);
@@ -43,8 +37,7 @@ std::string difference(const std::string& expected, const std::string& actual);
 // One kind of case. Declares it as it is constructed, before any test runs.
 class case_kind {
  public:
-  case_kind(const std::string& table_name, size_t fewest, size_t most);
-  case_kind(const std::string& table_name, size_t inputs) : case_kind(table_name, inputs, inputs) {}
+  explicit case_kind(const std::string& table_name);
 
   // Expects of each case what it says. Checks the whole file's form first.
   void check(const std::function<std::string(const test_case&)>& shown) const;
@@ -53,10 +46,10 @@ class case_kind {
   std::string table;
 };
 
-#define CASES(folder, kind, ...)                                                                 \
-  static std::string folder##_##kind(const strings& c);                                          \
-  static const case_kind folder##_##kind##_cases(#folder "/" #kind, __VA_ARGS__);                \
-  TEST(folder, kind) {                                                                           \
-    folder##_##kind##_cases.check([](const test_case& c) { return folder##_##kind(c.inputs); }); \
-  }                                                                                              \
-  static std::string folder##_##kind([[maybe_unused]] const strings& c)
+#define CASES(folder, kind)                                          \
+  static std::string folder##_##kind(const test_case& c);            \
+  static const case_kind folder##_##kind##_cases(#folder "/" #kind); \
+  TEST(folder, kind) {                                               \
+    folder##_##kind##_cases.check(folder##_##kind);                  \
+  }                                                                  \
+  static std::string folder##_##kind([[maybe_unused]] const test_case& c)

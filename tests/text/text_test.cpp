@@ -22,14 +22,12 @@ std::wstring text_of(const string& codes) {
 }
 
 // What a helper gives for a text, and behind it what it leaves of the text.
-CASES(text, text, 2, 4) {
-  strings given = c;
-  given.resize(4);
-  const string name = given[0];
-  string& text = given[1];
-  string& other = given[2];
+CASES(text, text) {
+  const string& name = c[0];
+  string text = c[1];
+  string other = c["with"];
   string out = "old";
-  const bool any_case = given[3] == "any case";
+  const bool any_case = c["case"] == "any";
   if (name == "trim") return joined(zk::trim(text), text);
   if (name == "line_end") return joined(zk::strip_line_end(text), text);
   if (name == "drop_nuls") return joined(zk::drop_trailing_nuls(text), text);
@@ -47,26 +45,26 @@ CASES(text, text, 2, 4) {
   return text;
 }
 
-CASES(text, wide, 2, 4) {
+CASES(text, wide) {
   std::wstring text = zk::utf8_to_wide(c[1]);
   size_t result = 0;
   if (c[0] == "trim") {
     result = zk::trim_wide(text);
   } else if (c[0] == "remove") {
-    result = zk::remove_char_wide(text, c.at(2).at(0));
+    result = zk::remove_char_wide(text, c["with"].at(0));
   } else if (c[0] == "replace") {
-    zk::replace_char_wide(text, c.at(2).at(0), c[2].at(1), c.size() > 3);
+    zk::replace_char_wide(text, c["with"].at(0), c["with"].at(1), c["case"] == "any");
   } else {
     throw std::invalid_argument("unknown verb: " + c[0]);
   }
   return joined(result, zk::wide_to_utf8(text));
 }
 
-CASES(text, encode, 1) {
+CASES(text, encode) {
   return zk::wide_to_utf8(text_of(c[0]));
 }
 
-CASES(text, decode, 2) {
+CASES(text, decode) {
   std::wstring text;
   const bool result = zk::decode_utf8(c[0], text);
   EXPECT_EQ(text, text_of(c[1]));
@@ -75,7 +73,7 @@ CASES(text, decode, 2) {
   return joined(result);
 }
 
-CASES(text, expand, 1, 2) {
+CASES(text, expand) {
   setenv("UDX_A", "1%UDX_B%", 1);
   setenv("UDX_B", "2", 1);
   setenv("UDX_EMPTY", "", 1);
@@ -83,7 +81,7 @@ CASES(text, expand, 1, 2) {
   setenv("UDX_GROWS", "%UDX_GROWS%%UDX_GROWS%", 1);
   // a* stands for the most that may stand ahead of a name of seven characters.
   string text = replaced(c[0], "a*", string(505, 'a'));
-  zk::expand_environment(text, c.size() > 1);
+  zk::expand_environment(text, c["vss"] == "yes");
   return text.size() > 512 && c[0] == "%UDX_GROWS%" ? "long"
                                                     : replaced(text, string(505, 'a'), "a*");
 }

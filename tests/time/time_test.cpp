@@ -52,11 +52,6 @@ auto moment(const string& text, Made made) {
   return made(parts[0], parts[1], parts[2], parts[3], parts[4], parts[5]);
 }
 
-// A moment of the fourth whose masks and forms are tested, in any year and month.
-zk::time in_month(const string& month) {
-  return loaded(moment(month + "-4 5:6:7", filetime_of) + 891234);
-}
-
 // The offset from UTC is looked up once a second, so a new zone shows with the next one.
 void use_zone(const char* zone) {
   const char* const used = std::getenv("TZ");
@@ -75,9 +70,14 @@ TEST(Time, CalendarFields) {
   EXPECT_EQ(none.tm_mday, 0);
   for (int64_t day = 0; day < 511000; day += 13) {  // 1601 to 3000, against the C library
     const std::time_t seconds = (day - 134774) * 86400 + 12345;
+    const uint64_t moment = epoch + static_cast<uint64_t>(seconds) * second;
     zk::_windows_systemtime fields;
-    zk::filetime_to_systemtime(epoch + static_cast<uint64_t>(seconds) * second, fields);
+    zk::filetime_to_systemtime(moment, fields);
     ASSERT_EQ(shown(fields), shown(*std::gmtime(&seconds)));
+    string date;
+    string time;
+    const bool valid = zk::format_masked(date, time, loaded(moment), "mmm-dd-yy", "");
+    ASSERT_EQ(date, valid ? shown(*std::gmtime(&seconds), "%b-%d-%y") : "");
   }
   const auto f = loaded(epoch + 2 * second - 1).fields;  // each unit states the whole fraction
   EXPECT_EQ(joined(f.millisecond, f.microsecond, f.nanosecond, f.picosecond),
@@ -96,10 +96,10 @@ void check_shown_fields(const zk::time& t, auto value) {
 }
 
 // What a value gives in a zone.
-string loaded_in(const char* zone, const strings& c) {
+string loaded_in(const char* zone, const test_case& c) {
   use_zone(zone);
-  const auto type = static_cast<zk::type_time>(number32(c[0]));
-  const uint64_t value = moment(c[1], filetime_of) + number(c[2]);
+  const auto type = static_cast<zk::type_time>(number32(c["type"]));
+  const uint64_t value = moment(c["at"], filetime_of) + number(c["plus"]);
   const zk::time t = loaded(value, type);
   if (type == zk::type_time::filetime) check_shown_fields(t, value);
   std::tm local = {};
@@ -115,17 +115,17 @@ string loaded_in(const char* zone, const strings& c) {
                 has_local ? shown(local, "%Y-%m-%d %H:%M:%S w%w d%j") : "");
 }
 
-CASES(time, UTC, 3) {
+CASES(time, UTC) {
   return loaded_in("UTC", c);
 }
-CASES(time, WEST, 3) {
+CASES(time, WEST) {
   return loaded_in("WEST5WST4,0/0,J365/25", c);
 }
-CASES(time, EAST, 3) {
+CASES(time, EAST) {
   return loaded_in("EAST-5:30", c);
 }
 
-CASES(time, dos, 1) {
+CASES(time, dos) {
   const uint32_t pair = moment(c[0], sample::dos_of);
   zk::time t;
   t.set_dos({static_cast<uint16_t>(pair), static_cast<uint16_t>(pair >> 16)}, true);
@@ -133,7 +133,7 @@ CASES(time, dos, 1) {
   return t.valid ? shown(t.fields) : "";
 }
 
-CASES(time, stamp, 1) {
+CASES(time, stamp) {
   const uint64_t given = moment(c[0], filetime_of);
   const zk::dos_pair stamp = loaded(given).dos_stamp;
   zk::dos_pair made = {};
@@ -142,7 +142,7 @@ CASES(time, stamp, 1) {
   return joined(stamp.date, stamp.time);
 }
 
-CASES(time, tm, 2) {
+CASES(time, tm) {
   std::tm tm = {};
   tm.tm_mon = number<int>(c[0]);
   tm.tm_year = number<int>(c[1]);
@@ -177,19 +177,11 @@ TEST(Time, NowAndNtpStamps) {
   EXPECT_NEAR(static_cast<double>(now.unix_seconds), static_cast<double>(std::time(nullptr)), 2);
 }
 
-CASES(time, mask, 3) {
+CASES(time, mask) {
   string date = "old";
   string time = "old";
-  const zk::time t = in_month(c[2]);
-  EXPECT_EQ(zk::format_masked(date, time, t, c[0], c[1]), t.valid);
-  return joined(date, time);
-}
-
-CASES(time, default, 4) {
-  string date = "old";
-  string time = "old";
-  zk::format_default(date, time, in_month(c[3]), c[0] == "fraction", c[1] == "short", nullptr,
-                     c[2] == "nano");
+  const zk::time t = loaded(moment(c["month"] + "-4 5:6:7", filetime_of) + 891234);
+  EXPECT_EQ(zk::format_masked(date, time, t, c["date"], c["time"]), t.valid);
   return joined(date, time);
 }
 
@@ -202,11 +194,12 @@ TEST(Time, TellsWhetherALocaleIsFound) {
   }
 }
 
-CASES(time, derived, 3) {
+CASES(time, derived) {
   static constexpr const char* flag_names[] = {"month name",     "month",         "four-digit year",
                                                "short year",     "comma",         "day month year",
                                                "month day year", "year month day"};
-  const zk::date_format_context context = zk::derive_format_masks(c[0], c[1], c[2] == "paired");
+  const zk::date_format_context context =
+      zk::derive_format_masks(c["date"], c["time"], c["paired"] == "yes");
   string seen = joined(context.separator);
   for (size_t bit = 0; bit < std::size(flag_names); ++bit) {
     if ((context.flags >> bit & 1) != 0) seen += joined("", flag_names[bit]);
@@ -215,9 +208,10 @@ CASES(time, derived, 3) {
   return joined(seen, context.digits >> 1);
 }
 
-CASES(time, parsed, 4) {
+CASES(time, parsed) {
   zk::_windows_systemtime f = {};
-  const bool read = zk::parse_date_time(c[0].c_str(), c[3].c_str(), c[1], c[2].at(0), f);
+  const bool read =
+      zk::parse_date_time(c[0].c_str(), c["time"].c_str(), c["order"], c["separator"].at(0), f);
   return joined(read, shown(f), f.millisecond);
 }
 

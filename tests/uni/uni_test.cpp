@@ -130,14 +130,14 @@ string played(const strings& ahead, const strings& steps) {
   return seen;
 }
 
-CASES(uni, steps, 1, any_number) {
-  return played({}, c);
+CASES(uni, steps) {
+  return played({}, c.inputs);
 }
 
-CASES(uni, memory, 1, any_number) {
-  const string seen = played({"open f write"}, c);
+CASES(uni, memory) {
+  const string seen = played({"open f write"}, c.inputs);
   // The bytes take the place of a file.
-  EXPECT_EQ(played({"open f", "memory 0123456789"}, c), seen);
+  EXPECT_EQ(played({"open f", "memory 0123456789"}, c.inputs), seen);
   return seen;
 }
 
@@ -190,10 +190,10 @@ int print(bool to_stderr, int limit, bool raw, const char* format, ...) {
   return result;
 }
 
-CASES(uni, message, 4) {
+CASES(uni, message) {
   const string& how = c[0];
-  const string text = repeated(c[1], c[2]);
-  const int limit = number<int>(c[3]);
+  const string text = repeated(c["text"], c["times"]);
+  const int limit = number<int>(c["limit"]);
   int result = 0;
   testing::internal::CaptureStdout();
   testing::internal::CaptureStderr();
@@ -213,7 +213,7 @@ CASES(uni, message, 4) {
 }
 
 // What is read of a standard input that holds a case's text.
-CASES(uni, lines, 2) {
+CASES(uni, lines) {
   const temp_dir dir;
   EXPECT_NE(std::freopen(dir.write("in", c[1]).c_str(), "r", stdin), nullptr);
   uni::stdin_stream in;

@@ -6,6 +6,7 @@
 #include <fstream>
 #include <ios>
 #include <iterator>
+#include <map>
 #include <optional>
 #include <stdexcept>
 #include <string>

@@ -19,6 +19,7 @@
 #pragma once
 
 #include <charconv>
+#include <cstddef>
 #include <cstdint>
 #include <ios>
 #include <limits>

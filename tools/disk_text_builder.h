@@ -1,8 +1,8 @@
 // Builds disks from text, for the tables of cases.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "tools/case_file.h"

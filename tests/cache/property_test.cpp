@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <ios>
 #include <map>
 #include <sstream>
 #include <utility>

@@ -1,6 +1,4 @@
 // From a record to its row, and from the row to its line.
-#include <ios>
-#include <ostream>
 #include <span>
 #include <sstream>
 #include <string_view>

@@ -1,9 +1,7 @@
 // The arguments, the option table, and the host's texts, as cases.txt tells.
-#include <algorithm>
 #include <map>
 #include <ostream>
 #include <sstream>
-#include <utility>
 
 #include "front/arguments.h"
 #include "front/cmdline_ctx.h"

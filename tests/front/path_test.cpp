@@ -8,7 +8,6 @@
 #include "front/path_match.h"
 #include "front/portdir/stdin_stream_ex.h"
 #include "front/portdir/zk_portable_dir.h"
-#include "opts/cmd_params.h"
 #include "opts/path_filter.h"
 #include "tests/support/check_cases.h"
 #include "tests/support/temp_dir.h"

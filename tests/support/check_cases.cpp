@@ -5,7 +5,7 @@
 #include <exception>
 #include <functional>
 #include <map>
-#include <utility>
+#include <set>
 
 std::map<std::string, std::set<std::string>>& declared_kinds() {
   static std::map<std::string, std::set<std::string>> kinds;

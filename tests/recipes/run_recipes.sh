@@ -48,7 +48,7 @@ cd work
 
 # Nothing that is shown may depend on the zone.
 status=0
-HOME=$dir TZ=XYZ-5:30 views=$source/docs/views.sql \
+HOME=$dir TZ=XYZ-5:30 views=$source/case/views.sql \
   bash -eu ../script </dev/null 2>>../messages || status=$?
 for wanted in ../blocks/*.wanted; do
   diff -u --label 'the document' --label 'what came' "$wanted" "${wanted%.wanted}.found" || status=1

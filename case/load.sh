@@ -1,0 +1,62 @@
+# Part of udx-case: the database.
+
+# Writes the rows of one run as CSV, and its other lines to $work/others: rows_of RUN FILE
+rows_of() { tr -d '\000' <"$2" | awk -v run="$1" -v others="$work/others" -f "$parts/rows.awk"; }
+
+# Adds the CSV of standard input to a table: import DATABASE TABLE
+# SQLite returns success even if rows are missing, but says so.
+import() {
+  local said
+  said=$(sql "$1" 'PRAGMA synchronous = OFF' '.mode csv' ".import /dev/stdin $2" 2>&1 | head -n 1) &&
+    [ -z "$said" ] || fail "the database can't be written: $said"
+}
+
+# Makes a database of the rows that a command writes: fill DATABASE COMMAND...
+fill() {
+  local database=$1
+  shift
+  sql "$database" <"$parts/tables.sql" || fail "the database can't be made"
+  : >"$work/others"
+  "$@" | import "$database" cells
+  import "$database" other_lines <"$work/others"
+  sql "$database" <"$parts/views.sql"
+}
+
+# The rows of several files, with the number of each.
+rows_of_files() {
+  local file run=0
+  for file; do
+    run=$((run + 1))
+    csv $run "$file" >>"$work/runs"
+    rows_of $run "$file"
+  done
+}
+
+load() {
+  local database file
+  need sqlite3=sqlite3
+  database=$(plain "$1")
+  shift
+  for file; do
+    [ -f "$file" ] && [ -r "$file" ] || fail "can't read the file $file"
+    [ ! "$file" -ef "$database" ] || fail "$file is the database itself"
+  done
+  [ ! -s "$database" ] || replaceable "$database" || fail "$database holds something else"
+  unfinished="$database isn't loaded"
+  rm -f "$database.new"
+  fill "$database.new" rows_of_files "${@/#-/./-}"
+  import "$database.new" runs <"$work/runs"
+  mv -f "$database.new" "$database"
+  unfinished=
+  sql -separator '' "$database" "
+    SELECT count(*), ' rows in ' || count(DISTINCT run) || ' of $# files' FROM cells;
+    SELECT count(*), ' lines that are no rows: see the table other_lines' FROM other_lines
+    WHERE what = 'no row' HAVING count(*) > 0"
+}
+
+# Whether a database is one that `load` made, with nothing added to it.
+replaceable() {
+  local schema="SELECT name FROM sqlite_schema ORDER BY 1"
+  [ "$(sql "$1" "$schema; SELECT count(*) FROM facts" 2>&1)" = \
+    "$(cat "$parts"/{tables,views}.sql - <<<"$schema; SELECT 0;" | sql :memory:)" ]
+}

@@ -1,12 +1,12 @@
 -- Was everything read?
-SELECT (SELECT count(*) FROM cells) || ' rows';
-SELECT count(*) || ' inputs: ' || sum(outcome = 'rows') || ' with rows, ' ||
-  sum(outcome = 'no rows') || ' without, ' || sum(outcome = 'failed') || ' failed, ' ||
-  sum(outcome = 'changed') || ' changed while they were read'
-FROM outcomes WHERE how <> 'parent' OR outcome IN ('failed', 'changed');
+SELECT 'Inputs: ' || count(*) || '; with rows ' || sum(outcome = 'rows') || ', without ' ||
+  sum(outcome = 'no rows') || ', failed ' || sum(outcome = 'failed') ||
+  ', changed while they were read ' || sum(outcome = 'changed')
+FROM outcomes WHERE how <> 'parent' OR outcome = 'changed';
+SELECT 'Rows: ' || count(*) FROM cells;
+SELECT 'Lines that are no rows: ' || count(*) || ', in the table other_lines' FROM other_lines
+WHERE what = 'no row' HAVING count(*) > 0;
 SELECT outcome || ': ' || shown || coalesce(': ' || nullif(error, ''), '')
 FROM outcomes WHERE outcome IN ('failed', 'changed') ORDER BY run;
-SELECT count(*) || ' lines are no rows: see the table other_lines' FROM other_lines
-WHERE what = 'no row' HAVING count(*) > 0;
 SELECT iif(sum(outcome IN ('failed', 'changed')), 'Not everything was read.', 'Everything was read.')
 FROM outcomes;

@@ -15,10 +15,12 @@ open_case() {
     fail "$1 is no case: $(head -n 1 "$work/said")"
 }
 
-# Hands on what a command prints, once all of it is there: whole COMMAND...
+# Hands on what a command prints, once all of it is there, lines that begin with "#" as messages:
+# whole COMMAND...
 whole() {
   "$@" >"$work/whole"
-  cat "$work/whole" || fail "the result can't be written"
+  sed '/^#/d' "$work/whole" || exit $(($? < 128 ? 2 : $?))
+  sed -n 's/^#//p' "$work/whole" >&2
 }
 
 ask() { sql -readonly "$database" "$@"; }
@@ -51,14 +53,12 @@ body() {
   local database mark='\\x'
   open_case "$1"
   whole times 'timeline WHERE used' "${2-}" "$parts/body.sql"
-  clean <"$work/left_out" >&2
 }
 
 events() {
   local database mark='\\\\x'  # in JSON, a backslash is two
   open_case "$1"
   whole times timeline "${2-}" "$parts/marks.sql" "$parts/events.sql"
-  clean <"$work/left_out" >&2
 }
 
 # A cell that begins as a formula does gets an apostrophe ahead, and so does what stands behind a
@@ -113,16 +113,16 @@ report() {
   need gnuplot=gnuplot-nox
   printf '%s' "${2:-What udx found in ${1%/}}" >"$work/title"
   cp "$parts"/{answer.sql,report.css} "$work"
-  (cd "$work" && ask <"$parts/picture.sql" && draw)
+  ask <"$parts/picture.sql" | cat >"$work/activity"
+  : >"$work/picture.svg"
+  [ ! -s "$work/activity" ] || draw
   whole print_report
 }
 
-# Makes $work/picture.svg, empty where no row has a time of UTC.
+# Makes $work/picture.svg, which must have come to its end.
 draw() {
-  : >picture.svg
-  [ -s days ] || return 0
-  gnuplot "$parts/picture.gp" >drawn 2>said || fail "gnuplot failed: $(tail -n 2 said)"
-  sed -n '/^<svg/,$p' drawn >picture.svg
+  (cd "$work" && gnuplot "$parts/picture.gp" 2>said) | sed -n '/^<svg/,$p' >"$work/picture.svg" &&
+    grep -q '^</svg>' "$work/picture.svg" || fail "the picture can't be made: $(tail -n 1 "$work/said")"
 }
 
 # The header line of each table is marked as such, so that it comes again on each printed page.

@@ -42,15 +42,16 @@ load() {
     [ ! "$file" -ef "$database" ] || fail "$file is the database itself"
   done
   [ ! -s "$database" ] || replaceable "$database" || fail "$database holds something else"
-  unfinished="$database isn't loaded"
-  rm -f "$database.new"
+  [ ! -e "$database.new" ] || fail "$database.new is in the way"
+  partial=$database.new
   fill "$database.new" rows_of_files "${@/#-/./-}"
   import "$database.new" runs <"$work/runs"
   mv -f "$database.new" "$database"
-  unfinished=
-  sql -separator '' "$database" "
-    SELECT count(*), ' rows in ' || count(DISTINCT run) || ' of $# files' FROM cells;
-    SELECT count(*), ' lines that are no rows: see the table other_lines' FROM other_lines
+  partial=
+  sql "$database" "SELECT 'Rows: ' || count(*) FROM cells;
+    SELECT 'Files without a row: ' || count(*) FROM runs WHERE run NOT IN (SELECT run FROM cells)
+    HAVING count(*) > 0;
+    SELECT 'Lines that are no rows: ' || count(*) || ', in the table other_lines' FROM other_lines
     WHERE what = 'no row' HAVING count(*) > 0"
 }
 

@@ -6,14 +6,15 @@ SELECT replace(replace(replace(CAST(readfile('title') AS TEXT),
 
 -- One line for what several rows tell of one use.
 CREATE TEMP TABLE uses AS
-SELECT substr(time, 1, 19) AS time, zone, kind, who AS user, address, max(count) AS count,
-  group_concat(DISTINCT run) AS input, group_concat(DISTINCT number) AS cautions
+SELECT substr(time, 1, 19) AS time, zone, replace(group_concat(DISTINCT kind), ',', ', ') AS kind,
+  who AS user, address, max(count) AS count, replace(group_concat(DISTINCT run), ',', ', ') AS input,
+  replace(group_concat(DISTINCT number), ',', ', ') AS cautions
 FROM (SELECT t.*, c.count, c.run FROM timeline t JOIN cells c ON c.rowid = t.row WHERE used) AS t
 LEFT JOIN marks ON marks.row = t.row
-GROUP BY t.time, zone, kind, who, address;
+GROUP BY t.time, zone, who, address;
 
 CREATE TEMP TABLE shown AS
-SELECT * FROM uses ORDER BY kind NOT GLOB '* history', kind <> 'cookie', time DESC LIMIT 5000;
+SELECT * FROM uses ORDER BY kind NOT LIKE '%history%', kind <> 'cookie', time DESC LIMIT 5000;
 
 .mode list
 .headers off
@@ -89,6 +90,6 @@ FROM entries WHERE seen = '';
 .mode html
 .headers on
 .print '<table class="timeline">'
-SELECT * FROM shown ORDER BY time, kind, user, address;
+SELECT * FROM shown ORDER BY time, user, address;
 .print '</table>'
 .print '</body></html>'

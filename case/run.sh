@@ -62,8 +62,10 @@ name_source() {
 # Of a full disk cat alone tells.
 search() {
   local ends=(0 0)
-  "$udx" "$@" -csv_separator tab -timeformat hh:mm:ss.xxxxxxx -quiet </dev/null \
-    2>>"$case/runs/$run.txt" | cat >"$case/runs/$run.tsv" || ends=("${PIPESTATUS[@]}")
+  {
+    "$udx" "$@" -csv_separator tab -timeformat hh:mm:ss.xxxxxxx -quiet </dev/null |
+      cat >"$case/runs/$run.tsv" || ends=("${PIPESTATUS[@]}")
+  } 2>>"$case/runs/$run.txt"
   [ "${ends[1]}" = 0 ] || fail "$case/runs/$run.tsv can't be written"
   status=${ends[0]}
 }
@@ -108,7 +110,7 @@ what_failed() {
   elif grep -qaFx -e "prob opening $source for read, aborting" "$case/runs/$run.tsv"; then
     echo "udx can't open it"
   elif [ "$status" != 255 ] || [ $how != whole ] || grep -qa 'out of memory' "$said"; then
-    echo "udx returned $status: $(tr '\r' '\n' <"$said" | grep -aEm 1 "aborting|can't|mem" || :)"
+    echo "udx returned $status: $(tr '\r' '\n' <"$said" | grep -aEm 1 "aborting|can't|memory" || echo "no message")"
   fi  # else it has no record
 }
 
@@ -143,15 +145,15 @@ run() {
   case=$(plain "${1%/}")
   need sqlite3=sqlite3
   find_udx
-  [ ! -e "$case" ] && [ ! -L "$case" ] || fail "$case exists: name a folder that doesn't"
-  [[ $case != *[[:cntrl:]%]* ]] || fail "the name $case holds a control character or a %"
+  [ ! -e "$case" ] && [ ! -L "$case" ] || fail "$1 exists: name a folder that doesn't"
+  [[ $case != *[[:cntrl:]%]* ]] || fail "the name $1 holds a control character or a %"
   facts=$(csv 'command line' "$name run $(printf '%q ' "$@")"; csv 'working folder' "$PWD"
     csv host "$(uname -nsr)"; csv user "$(id -un)"; csv begun "$(date -u '+%F %T UTC')"
     csv program "$udx"; csv 'SHA-256 of the program' "$(sha256sum <"$udx" | cut -d ' ' -f 1)")
   : >"$work/walk"
   find_inputs "${@:2}"
-  mkdir "$case" "$case/runs" || fail "$case can't be made"
-  unfinished="$case is unfinished: remove it, and run again"
+  mkdir "$case" "$case/runs" || fail "$1 can't be made"
+  unfinished="$1 is unfinished: remove it, and run again"
   for input in "${inputs[@]}"; do
     [ ! -t 2 ] || printf '\r%d of %d inputs' $((++begun)) ${#inputs[@]} >&2
     read_input "$input" >>"$case/inputs.csv"
@@ -159,8 +161,9 @@ run() {
   [ ! -t 2 ] || printf '\r\033[K' >&2
   make_database
   unfinished=
-  sql -separator '' "$case/case.db" <"$parts/answer.sql" | clean
-  [ "$(sql "$case/case.db" "SELECT outcome FROM outcomes WHERE outcome IN ('failed', 'changed')")" = '' ]
+  sql "$case/case.db" <"$parts/answer.sql" | clean
+  answer=$(sql "$case/case.db" "SELECT count(*) > 0 FROM outcomes
+    WHERE outcome IN ('failed', 'changed')")
 }
 
 # Prints the rows of all runs as CSV.
@@ -192,9 +195,9 @@ make_database() {
   mv "$made" "$case/case.db"
 }
 
-# Looks for the program beside this one, in the sources, and where all are.
+# Gives `udx`, the program beside this one, in the PATH, or built in the sources.
 find_udx() {
-  for udx in "$here/udx" "$here/../build/udx" "$(command -v udx)"; do
+  for udx in "$here/udx" "$(command -v udx)" "$here/../build/udx"; do
     [ ! -x "$udx" ] || return 0
   done
   fail "there is no udx beside $name nor in the PATH"

@@ -45,6 +45,6 @@ gtest=(/usr/include/gtest/gtest.h=libgtest-dev)
 declare -A machines=([aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu
   [armhf]=arm-linux-gnueabihf)
 # What some tests are skipped without.
-test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox qemu-img=qemu-utils
+test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox chromium=chromium qemu-img=qemu-utils
   ewfexport=ewf-tools tsk_recover=sleuthkit mcopy=mtools
   parallel=parallel /usr/sbin/sshd=openssh-server ssh=openssh-client)

@@ -104,7 +104,7 @@ what_failed() {
   if [ -s "$work/error" ]; then
     head -n 1 "$work/error" | sed 's/.*: //'
   elif [ $how != disk ] && is_container "$input"; then
-    echo "a container: make a raw image of it"
+    echo "a container: show it to udx as a raw image, as the recipes do"
   elif [ "$status" = 0 ]; then
     return
   elif grep -qaFx -e "prob opening $source for read, aborting" "$case/runs/$run.tsv"; then

@@ -52,8 +52,9 @@ bound() {
 failed=0 cases=0
 check() {
   local line=$1 command wanted found status=0
-  if [ "${line%% *}" = disk ] && ! command -v qemu-img >/dev/null; then
-    echo "left out: cases of disks need qemu-utils"
+  local tool=${line%% | *}
+  if [ "$tool" != run ] && ! command -v "${tool%=*}" >/dev/null; then
+    echo "left out: a case needs ${tool#*=}"
     return
   fi
   command=${line#* | } wanted=${command##* => } command=${command% => *}
@@ -76,7 +77,7 @@ while IFS= read -r next || [ "$next" ]; do
     *)
       [ -z "$line" ] || check "$line"
       case $next in
-        'run | '* | 'disk | '*) line=$next ;;
+        'run | '* | [a-z]*'='[a-z]*' | '*) line=$next ;;
         '' | '#'*) line= ;;
         *) echo "no case: $next"; exit 1 ;;
       esac

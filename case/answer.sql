@@ -8,5 +8,6 @@ SELECT 'Lines that are no rows: ' || count(*) || ', in the table other_lines' FR
 WHERE what = 'no row' HAVING count(*) > 0;
 SELECT outcome || ': ' || shown || coalesce(': ' || nullif(error, ''), '')
 FROM outcomes WHERE outcome IN ('failed', 'changed') ORDER BY run;
-SELECT iif(sum(outcome IN ('failed', 'changed')), 'Not everything was read.', 'Everything was read.')
+SELECT iif(sum(outcome IN ('failed', 'changed')), 'Not everything was read.',
+  'Everything was read.')
 FROM outcomes;

@@ -67,8 +67,8 @@ sheet() {
   local database column guarded select=row
   open_case "$1"
   for column in kind who address seen cautions mod_date mod_time access_date access_time \
-    expires_date expires_time sync_date sync_time type url user filename size directory count header \
-    source; do
+    expires_date expires_time sync_date sync_time type url user filename size directory count \
+    header source; do
     guarded="iif(ltrim($column) GLOB '[-=+@]*', '''', '') || $column"
     for character in = + - @ '"'; do
       guarded="replace($guarded, ';$character', ';''$character')"
@@ -122,7 +122,8 @@ report() {
 # Makes $work/picture.svg, which must have come to its end.
 draw() {
   (cd "$work" && gnuplot "$parts/picture.gp" 2>said) | sed -n '/^<svg/,$p' >"$work/picture.svg" &&
-    grep -q '^</svg>' "$work/picture.svg" || fail "the picture can't be made: $(tail -n 1 "$work/said")"
+    grep -q '^</svg>' "$work/picture.svg" ||
+    fail "the picture can't be made: $(tail -n 1 "$work/said")"
 }
 
 # The header line of each table is marked as such, so that it comes again on each printed page.

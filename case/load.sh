@@ -7,8 +7,8 @@ rows_of() { tr -d '\000' <"$2" | awk -v run="$1" -v others="$work/others" -f "$p
 # SQLite returns success even if rows are missing, but says so.
 import() {
   local said
-  said=$(sql "$1" 'PRAGMA synchronous = OFF' '.mode csv' ".import /dev/stdin $2" 2>&1 | head -n 1) &&
-    [ -z "$said" ] || fail "the database can't be written: $said"
+  said=$(sql "$1" 'PRAGMA synchronous = OFF' '.mode csv' ".import /dev/stdin $2" 2>&1 |
+    head -n 1) && [ -z "$said" ] || fail "the database can't be written: $said"
 }
 
 # Makes a database of the rows that a command writes: fill DATABASE COMMAND...

@@ -1,6 +1,6 @@
 -- For `body` and `events`, behind a table `chosen` of times: these with their second of
--- UTC. In the current folder `moved` holds what is known of local times. Lines that begin with "#" are
--- for standard error.
+-- UTC. In the current folder `moved` holds what is known of local times. Lines that begin with "#"
+-- are for standard error.
 CREATE TEMP TABLE moved (local TEXT, utc INTEGER);
 .separator |
 .import moved moved

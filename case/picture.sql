@@ -1,5 +1,5 @@
--- How many addresses were last used on each day and, as the second block, in each hour of the day, by
--- UTC. What several indexes tell of one use is counted once.
+-- How many addresses were last used on each day and, as the second block, in each hour of the day,
+-- by UTC. What several indexes tell of one use is counted once.
 CREATE TEMP TABLE used AS
 SELECT DISTINCT who, address, time FROM timeline WHERE used AND zone = 'UTC';
 .separator ' '

@@ -14,9 +14,9 @@ NF == 17 && $9 ~ /^(URL |LEAK|REDR)$/ {
 {
   # Four lines of details belong together.
   if (/^[^ ]+ - limited ver: /) details = 1
-  else if (details == 1 && /^run date: / || details == 2 && /^"command line: / || details == 3 && /^$/)
-    details++
+  else if (details == 1 && /^run date: / || details == 2 && /^"command line: / ||
+    details == 3 && /^$/) details++
   else details = 0
-  what = details ? "details" : NF == 17 && $1 == "last mod date" && $9 == "type" ? "titles" : "no row"
+  what = details ? "details" : NF == 17 && $9 == "type" ? "titles" : "no row"
   print run "," NR "," what "," quoted($0) >>others
 }

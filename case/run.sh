@@ -2,8 +2,8 @@
 
 # Takes an input for the search, once: take PATH
 take() {
-  [ -z "${taken[$1]-}" ] || return 0
-  taken[$1]=1
+  [ -z "${taken[=$1]-}" ] || return 0
+  taken[=$1]=1
   inputs+=("$1")
 }
 
@@ -13,11 +13,9 @@ wanted() {
   local base=${1##*/} head
   case ${base,,} in *index*.dat | _ndex*.dat) return 0 ;; esac
   [ -r "$1" ] || return 0
-  if IFS= read -r -d '' -n 15 head <"$1"; then
-    [ "$head" = 'Client UrlCache' ]
-  else
-    [ "$(stat -c %s "$1")" -ge 15 ]
-  fi
+  [ -s "$1" ] || return 1
+  IFS= read -r -d '' -n 15 head <"$1" || [ -n "$head" ] || return 0
+  [ "$head" = 'Client UrlCache' ]
 }
 
 # Makes the array `inputs` of what is named. What find couldn't list is in $work/walk.
@@ -43,12 +41,16 @@ find_inputs() {
 
 # What is read of a file, or fails with a message in $work/error.
 size_of() { if [ -b "$1" ]; then blockdev --getsize64 "$1"; else stat -Lc %s "$1"; fi; }
-hash_of() { { sha256sum <"$1"; } 2>>"$work/error" | cut -d ' ' -f 1; }
+hash_of() {
+  local sum
+  { sum=$(sha256sum <"$1"); } 2>>"$work/error" && printf '%s' "${sum%% *}"
+}
 
-# Gives `source`, the path by which udx takes an input: as it is named, but where that holds what udx
-# would change or what breaks a row, a link in the case. "MSHist" stays in it: labels follow from it.
+# Gives `source`, the path by which udx takes an input: as it is named, but where that holds what
+# udx would change or what breaks a row, a link in the case. Labels follow from "MSHist" in it.
 name_source() {
   local target
+  [[ $input == *[^\ -~]* || $input == *%* ]] || return 0
   [[ $input == *[[:cntrl:]%]* ]] || ! iconv -f utf-8 -t utf-8 <<<"$input" >"$work/utf8" 2>&1 ||
     return 0
   IFS= read -r -d '' target < <(realpath -z "$input")
@@ -82,7 +84,7 @@ search_disk() {
   for file in "${files[@]}"; do
     arguments+=(-vmdk "$file")
     source+="; $file"
-    [ -n "${before[$file]-}" ] || before[$file]=$(hash_of "$file") || :
+    [ -n "${before[=$file]-}" ] || before[=$file]=$(hash_of "$file") || :
   done
   source=${source:2}
   search "${arguments[@]}"
@@ -110,7 +112,8 @@ what_failed() {
   elif grep -qaFx -e "prob opening $source for read, aborting" "$case/runs/$run.tsv"; then
     echo "udx can't open it"
   elif [ "$status" != 255 ] || [ $how != whole ] || grep -qa 'out of memory' "$said"; then
-    echo "udx returned $status: $(tr '\r' '\n' <"$said" | grep -aEm 1 "aborting|can't|memory" || echo "no message")"
+    echo "udx returned $status: $(tr '\r' '\n' <"$said" |
+      grep -aEm 1 "aborting|can't|memory" || echo 'no message')"
   fi  # else it has no record
 }
 
@@ -121,7 +124,7 @@ read_input() {
   local -A before=() after=()
   : >"$work/error"
   size=$(size_of "$input" 2>>"$work/error") || size=0
-  before[$input]=$(hash_of "$input") || :
+  before[=$input]=$(hash_of "$input") || :
   case ${input,,} in
     *.vmdk) how=disk && search_disk ;;
     *)
@@ -130,12 +133,15 @@ read_input() {
       search -f "$source"
       ;;
   esac
-  for file in "${files[@]}"; do after[$file]=$(hash_of "$file") || :; done
+  for file in "${files[@]}"; do after[=$file]=$(hash_of "$file") || :; done
   error=$(what_failed)
-  for file in "${files[@]}"; do
-    size=$(size_of "$file" 2>>"$work/error") || size=0
-    csv "$run" "$file" "$source" $how "$size" "${before[$file]}" "${after[$file]}" "$status" "$error" 0
-    run=$((run + 1)) how=parent source= status= error=
+  csv "$run" "$input" "$source" $how "$size" "${before[=$input]}" "${after[=${files[0]}]}" \
+    "$status" "$error" 0
+  run=$((run + 1))
+  for file in "${files[@]:1}"; do
+    size=$(size_of "$file") || size=
+    csv "$run" "$file" '' parent "$size" "${before[=$file]}" "${after[=$file]}" '' '' 0
+    run=$((run + 1))
   done
 }
 
@@ -188,7 +194,8 @@ make_database() {
     csv version "$(head -qn 1 "$case"/runs/1.tsv | tr -d '\000')")
   import "$made" facts <<<"$facts"
   sql "$made" "UPDATE inputs SET rows = found.rows
-    FROM (SELECT run, count(*) AS rows FROM cells GROUP BY run) AS found WHERE found.run = inputs.run"
+    FROM (SELECT run, count(*) AS rows FROM cells GROUP BY run) AS found
+    WHERE found.run = inputs.run"
   (cd "$case" && find -- * -type f -print0 | sort -z | xargs -0 sha256sum |
     sed 's/ case.db.new$/ case.db/') >"$work/sums"
   cp "$work/sums" "$case/SHA256SUMS"

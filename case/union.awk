@@ -1,5 +1,5 @@
-# Reads a comparison of two runs' rows, each line with "<", ">" or "=" ahead, and writes all rows once,
-# without those that are cut where the other run has the whole row.
+# Reads a comparison of two runs' rows, each line with "<", ">" or "=" ahead, and writes all rows
+# once, without those that are cut where the other run has the whole row.
 function begins(long, short) { return substr(long, 1, length(short)) == short }
 function cut(one, other,   a, b, i) {
   split(one, a)

@@ -150,7 +150,8 @@ VALUES
 -- The inputs that were searched in blocks; where that isn't known, those that look like it.
 DROP VIEW IF EXISTS block_sources;
 CREATE VIEW block_sources AS
-SELECT source, 'searched in blocks' AS caution, rows FROM inputs WHERE how IN ('blocks', 'disk') AND rows > 0
+SELECT source, 'searched in blocks' AS caution, rows FROM inputs
+WHERE how IN ('blocks', 'disk') AND rows > 0
 UNION ALL
 SELECT source, 'maybe searched in blocks', count(*) FROM cells
 WHERE type = 'URL ' AND source NOT IN (SELECT source FROM inputs)
@@ -172,8 +173,8 @@ WITH
         UNION SELECT run, line - 1 FROM other_lines WHERE what = 'no row') AS beside_no_row
     FROM entries),
   states AS (
-    SELECT rowid AS row, source, count, access_date || access_time AS used, max(count) OVER same AS most,
-      max(access_date || access_time) OVER same AS latest
+    SELECT rowid AS row, source, count, access_date || access_time AS used,
+      max(count) OVER same AS most, max(access_date || access_time) OVER same AS latest
     FROM cells WHERE type = 'URL '
     WINDOW same AS (PARTITION BY source, url, user, filename, directory))
 SELECT row, source, caution, 1 AS rows FROM looked_at CROSS JOIN known_cautions

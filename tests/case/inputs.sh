@@ -28,23 +28,25 @@ index_of() {
   {
     printf 'Client UrlCache MMF Ver 5.2' && zeros 101
     while read -r mod access expires sync count url file header; do
-      url=$(printf -- "${url//%/%%}x") file=$(printf -- "${file//%/%%}x") header=$(printf -- "${header//%/%%}x")
-      url=${url%x} file=${file%x} header=${header%x}
+      printf -v url -- "${url//%/%%}"
+      printf -v file -- "${file//%/%%}"
+      printf -v header -- "${header//%/%%}"
       [ "$file" != - ] || file=
       # As in a history, a few bytes that are no text stand where others have their header.
       [ "$header" != - ] || header=$'\x10'
       end=$((0x68 + ${#url} + 1 + ${#file} + 1))
       blocks=$(((end + ${#header} + 1 + 127) / 128))
       printf 'URL ' && le 4 $blocks && filetime "$mod" && filetime "$access" && dos "$expires"
-      zeros 4 && le 4 7 && zeros 16 && le 4 0x68 && zeros 4 && le 4 $((0x68 + ${#url} + 1)) && zeros 4
+      zeros 4 && le 4 7 && zeros 16
+      le 4 0x68 && zeros 4 && le 4 $((0x68 + ${#url} + 1)) && zeros 4
       le 4 $end && le 4 ${#header} && zeros 4 && dos "$sync" && le 4 "$count" && zeros 16
       printf '%s\0%s\0%s' "$url" "$file" "$header" && zeros $((blocks * 128 - end - ${#header}))
     done
   } >"$1"
 }
 
-# What an examiner has: histories, one of them away from its folder, cookies, a cache, and an account
-# that is stored as "-".
+# What an examiner has: histories, one of them away from its folder, cookies, a cache, and an
+# account that is stored as "-".
 index_of evidence/History.IE5/index.dat <<'END'
 2009-07-22_06:07:08 2009-07-22_06:07:08 0 2009-07-22 3 Visited:\x20alice@http://news.example.com/a?b;c - -
 2009-07-20_07:30:10 2009-07-20_07:30:10 0 0 6 Visited:\x20alice@http://mail.example.net/inbox - -
@@ -74,7 +76,7 @@ mkdir other
 touch other/notes.txt
 
 # Texts that shells, databases, browsers, spreadsheets and terminals might take for their own.
-hostile="hostile/a b'\"\$(touch owned)\`touch owned\`%PATH%
+hostile="hostile/a]@[b'\"\$(touch owned)\`touch owned\`%PATH%
 <script>"
 index_of "$hostile/index.dat" <<'END'
 2009-07-22_06:07:08 2009-07-22_06:07:08 0 0 1 Visited:\x20<script>document.title='owned'</script>@javascript:document.title='owned' - -

@@ -23,18 +23,25 @@ run() { udx-case run case "$@"; }
 
 # The rows that udx itself gives for files, and those of the case.
 rows_of_udx() {
-  for file; do udx -quiet -csv_separator tab -timeformat hh:mm:ss.xxxxxxx -f "$file" 2>x | sed 1,5d; done | tr -d '\0'
+  for file; do
+    udx -quiet -csv_separator tab -timeformat hh:mm:ss.xxxxxxx -f "$file" 2>x | sed 1,5d
+  done | tr -d '\0'
 }
 rows_of_case() {
-  sqlite3 -separator $'\t' case/case.db 'SELECT mod_date, mod_time, access_date, access_time, expires_date, expires_time,
-    sync_date, sync_time, type, url, user, filename, size, directory, count, header, source FROM cells'
+  sqlite3 -separator $'\t' case/case.db 'SELECT mod_date, mod_time, access_date, access_time,
+    expires_date, expires_time, sync_date, sync_time, type, url, user, filename,
+    size, directory, count, header, source FROM cells'
 }
 
 # Puts a program ahead of udx that does something to its input first: meanwhile COMMAND
 meanwhile() {
   mkdir ahead
-  printf '#!/bin/sh\nfor last in "$@"; do [ "$before" = -f ] && input=$last; before=$last; done\n%s\nexec %s/udx "$@"\n' \
-    "$1" "$dir/bin" >ahead/udx
+  cat >ahead/udx <<END
+#!/bin/sh
+input=\$2
+$1
+exec $dir/bin/udx "\$@"
+END
   chmod +x ahead/udx
   PATH=$PWD/ahead:$PATH
 }
@@ -42,11 +49,10 @@ meanwhile() {
 # Runs a command while no file may be longer than so many KiB: limited KIB COMMAND...
 limited() { (trap '' XFSZ; ulimit -f "$1"; "${@:2}") }
 
-# Runs a command as a user whom rights bind.
+# Runs a command by the rights of files, which don't bind the superuser otherwise.
 bound() {
-  chmod a+rx "$dir" "$dir"/bin "$dir"/work
-  chmod a+w .
-  if [ "$(id -u)" = 0 ]; then setpriv --reuid=65534 --regid=65534 --clear-groups "$@"; else "$@"; fi
+  local rights=-dac_override,-dac_read_search
+  if [ "$(id -u)" = 0 ]; then setpriv --bounding-set=$rights --inh-caps=$rights "$@"; else "$@"; fi
 }
 
 failed=0 cases=0

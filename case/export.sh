@@ -34,7 +34,8 @@ move_times() {
   [ -n "${1-}" ] || return 0
   [ -f "${TZDIR:-/usr/share/zoneinfo}/$1" ] || [[ $1 =~ ^(<[^<>]+>|[A-Za-z]{3,})[-+]?[0-9] ]] ||
     fail "there is no zone $1; those of the package tzdata are in /usr/share/zoneinfo"
-  ask "SELECT DISTINCT substr(time, 1, 19) FROM timeline WHERE zone = 'local'" >"$work/local"
+  ask "SELECT DISTINCT substr(time, 1, 19) FROM timeline WHERE zone = 'local'" |
+    cat >"$work/local"
   { TZ=$1 date -f "$work/local" '+%s' 2>"$work/said" || :; } |
     awk '{ for (shift = -7200; shift <= 7200; shift += 1800) print "@" $1 + shift }' |
     TZ=$1 date -f - '+%F %T|%s' | sort -u | awk -F'|' '

@@ -4,11 +4,12 @@
 rows_of() { tr -d '\000' <"$2" | awk -v run="$1" -v others="$work/others" -f "$parts/rows.awk"; }
 
 # Adds the CSV of standard input to a table: import DATABASE TABLE
-# SQLite returns success even if rows are missing, but says so.
+# SQLite returns success even if rows are missing, but says so. Of a COMMIT of its own .import says
+# nothing.
 import() {
   local said
-  said=$(sql "$1" 'PRAGMA synchronous = OFF' '.mode csv' ".import /dev/stdin $2" 2>&1 |
-    head -n 1) && [ -z "$said" ] || fail "the database can't be written: $said"
+  said=$(sql "$1" BEGIN '.mode csv' ".import /dev/stdin $2" COMMIT 2>&1 | head -n 1) &&
+    [ -z "$said" ] || fail "the database can't be written: $said"
 }
 
 # Makes a database of the rows that a command writes: fill DATABASE COMMAND...

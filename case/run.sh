@@ -24,7 +24,7 @@ find_inputs() {
   for path; do
     path=${path/#-/./-}
     if [ -d "$path" ]; then
-      find -H "$path" -type f -print0 2>>"$work/walk" | sort -z >"$work/found" || :
+      { find -H "$path" -type f -print0 2>>"$work/walk" || :; } | sort -z >"$work/found"
       while IFS= read -r -d '' file; do
         ! wanted "$file" 2>/dev/null || take "$file"
       done <"$work/found"

@@ -100,7 +100,7 @@ DROP VIEW IF EXISTS outcomes;
 CREATE VIEW outcomes AS
 SELECT *, replace(path, char(10), '\x0A') AS shown,
   CASE
-    WHEN error <> '' THEN 'failed'
+    WHEN error <> '' OR '' IN (sha256, sha256_after) THEN 'failed'
     WHEN sha256 <> sha256_after THEN 'changed'
     WHEN how = 'parent' THEN 'read'
     WHEN rows > 0 THEN 'rows'

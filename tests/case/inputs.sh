@@ -85,6 +85,11 @@ index_of "$hostile/index.dat" <<'END'
 0 2009-07-22_06:07:11 0 0 1 http://evil.example/\x1b]0;owned\x07\xc2\x9b\xe2\x80\xae\xc3\xbc -2+3 HTTP/1.1~U:\xff\xed\xa0\x80\\
 0 2009-07-22_06:07:12 0 0 1 http://evil.example/&lt;b&gt;"|0|\x27\\ +1 HTTP/1.1~U:\x1b[31m@SUM(1)
 END
+# A cache row that stores no user, though udx shows "-", beside one whose user is "-".
+index_of unnamed/index.dat <<'END'
+0 2009-07-22_06:07:14 0 0 1 http://news.example.com/1 f ~U:alice
+0 2009-07-22_06:07:14 0 0 1 http://news.example.com/2 f HTTP/1.1~U:-
+END
 # A user with a line end, and what looks like a row behind it.
 tabs=$(printf '\\t%.0s' {1..8})
 index_of broken/index.dat <<END

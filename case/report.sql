@@ -53,14 +53,17 @@ SELECT run AS input, shown AS path, how AS searched, size AS bytes, rows,
 .print '</table>'
 
 .print '<h2>What they hold</h2><table class="sources">'
-SELECT run AS input, kind, count(*) AS rows, substr(min(nullif(seen, '')), 1, 19) AS "first used",
-  substr(max(seen), 1, 19) AS "last used" FROM entries GROUP BY run, kind;
+SELECT run AS input, kind, rows, first || zone AS "first used", last || zone AS "last used"
+FROM (SELECT run, kind, count(*) AS rows, substr(min(nullif(seen, '')), 1, 19) AS first,
+  substr(max(seen), 1, 19) AS last, ltrim(substr(max(seen), 20), '.0123456789') AS zone
+  FROM entries GROUP BY run, kind);
 .print '</table>'
 .print '<h2>Users</h2>'
 .print '<p>Accounts by their names in the rows; the account "-" is one that an index stored so.</p>'
 .print '<table class="users">'
-SELECT who AS user, kind, rows, substr(first, 1, 19) AS "first used",
-  substr(last, 1, 19) AS "last used" FROM users;
+SELECT who AS user, kind, rows, substr(first, 1, 19) || zone AS "first used",
+  substr(last, 1, 19) || zone AS "last used"
+FROM (SELECT *, ltrim(substr(last, 20), '.0123456789') AS zone FROM users);
 .print '</table>'
 .print '<h2>The clock of the machine</h2>'
 .print '<p>How many hours it was ahead of UTC, by rows of daily history, which hold both times.</p>'

@@ -37,7 +37,8 @@ foreach(command udx udx-case)
 endforeach()
 install(FILES README.md CONTRIBUTING.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
-install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg)
+install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg
+  PATTERN *.png)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # .invalid is the domain of addresses that lead nowhere.

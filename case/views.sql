@@ -3,7 +3,6 @@
 
 -- Each row with the kind of index that it is from, who used it, the address alone, and when it was
 -- last seen: the access, but for a weekly history, whose access is when that index was made.
--- Nobody is named by a cache row that has "-" for both user and header.
 DROP VIEW IF EXISTS entries;
 CREATE VIEW entries AS
 WITH
@@ -25,10 +24,11 @@ WITH
         WHEN named <> '' THEN 'weekly history'
         WHEN url GLOB '*://*' THEN 'cache'
         ELSE 'other' END AS kind,
+      -- A history can hold "-" as its account; a cache row of two "-" has none that is told.
       CASE
         WHEN named <> '' THEN substr(named, 1, instr(named, '@') - 1)
-        WHEN user = '-' AND header = '-' THEN ''
-        ELSE user END AS who,
+        WHEN user <> '-' OR header <> '-' THEN user
+        ELSE '' END AS who,
       coalesce(substr(named, instr(named, '@') + 1), url) AS address
     FROM split)
 SELECT *, CASE
@@ -37,8 +37,7 @@ SELECT *, CASE
     ELSE '' END AS seen
 FROM told;
 
--- Whom the rows name, in which kind of index, in how many rows, from when to when. The account "-"
--- is one that an index stored so.
+-- Whom the rows name, in which kind of index, in how many rows, from when to when.
 DROP VIEW IF EXISTS users;
 CREATE VIEW users AS
 SELECT who, kind, count(*) AS rows, min(nullif(seen, '')) AS first, max(seen) AS last

@@ -59,8 +59,8 @@ FROM (SELECT run, kind, count(*) AS rows, substr(min(nullif(seen, '')), 1, 19) A
   FROM entries GROUP BY run, kind);
 .print '</table>'
 .print '<h2>Users</h2>'
-.print '<p>Accounts by their names in the rows. Those that name nobody stand ahead; the account "-" is'
-.print 'one that an index stored so.</p>'
+.print '<p>Accounts by their names in the rows. "-" is one that an index stored so; where no name stands,'
+.print 'nobody is named.</p>'
 .print '<table class="users">'
 SELECT who AS user, kind, rows, substr(first, 1, 19) || zone AS "first used",
   substr(last, 1, 19) || zone AS "last used"

@@ -23,15 +23,22 @@ install(CODE [[
   endif()]])
 install(TARGETS udx RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 udx_compressed_page(docs/udx.1.in udx.1 ${CMAKE_INSTALL_MANDIR}/man1)
+udx_compressed_page(case/udx-case.1.in udx-case.1 ${CMAKE_INSTALL_MANDIR}/man1)
 udx_compressed_page(cmake/changelog.in changelog ${CMAKE_INSTALL_DOCDIR})
-install(FILES completions/udx.bash RENAME udx
-  DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES completions/_udx DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
-install(FILES completions/udx.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+install(PROGRAMS case/udx-case DESTINATION ${CMAKE_INSTALL_BINDIR})
+install(DIRECTORY case/ DESTINATION ${CMAKE_INSTALL_DATADIR}/udx FILES_MATCHING
+  PATTERN *.sh PATTERN *.sql PATTERN *.awk PATTERN *.css PATTERN *.gp)
+foreach(command udx udx-case)
+  install(FILES completions/${command}.bash RENAME ${command}
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
+  install(FILES completions/_${command} DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES completions/${command}.fish
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endforeach()
 install(FILES README.md CONTRIBUTING.md cmake/copyright DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(FILES bench/README.md DESTINATION ${CMAKE_INSTALL_DOCDIR}/bench)
 install(DIRECTORY docs DESTINATION ${CMAKE_INSTALL_DOCDIR} FILES_MATCHING PATTERN *.md PATTERN *.svg
-  PATTERN *.sql)
+  PATTERN *.png)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR})
 
 # .invalid is the domain of addresses that lead nowhere.
@@ -43,6 +50,7 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "sqlite3, gnuplot-nox")  # for udx-case
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
 "udx reads the index.dat files in which Internet Explorer kept its cache,
@@ -50,7 +58,8 @@ history and cookie indexes, and writes one delimited row for each URL, LEAK and
 REDR record, so that an examiner can see what a browser stored and when.
 .
 It takes single files, lists of paths, folders, raw images and VMware disks,
-and finds records in damaged files and fragments too.")
+and finds records in damaged files and fragments too. udx-case makes a database
+and a report of its rows.")
 set(CPACK_SYSTEM_NAME linux-${CMAKE_SYSTEM_PROCESSOR})
 if(UDX_STATIC)
   string(APPEND CPACK_SYSTEM_NAME -static)

@@ -4,7 +4,7 @@ set -eu
 cd "$(dirname "$0")/.."
 . scripts/toolchain.sh
 need "${compiler[@]}" lintian=lintian mandoc=mandoc man=man-db zsh=zsh fish=fish file=file \
-  aarch64-linux-gnu-g++=g++-aarch64-linux-gnu qemu-aarch64-static=qemu-user-static \
+  sqlite3=sqlite3 aarch64-linux-gnu-g++=g++-aarch64-linux-gnu qemu-aarch64-static=qemu-user-static \
   dpkg-shlibdeps=dpkg-dev /usr/share/bash-completion/bash_completion=bash-completion
 
 export LC_ALL=C
@@ -33,15 +33,17 @@ documented() {
 
 # What bash and fish offer for the last word of a line: bash_offers LINE
 bash_offers() {
-  bash --norc -c '. /usr/share/bash-completion/bash_completion; . completions/udx.bash
+  bash --norc -c 'name=${0%% *}; . /usr/share/bash-completion/bash_completion
+    . "completions/$name.bash"
     COMP_LINE=$0 COMP_POINT=${#0} COMP_WORDS=(${0//:/ : })
     if [[ $0 == *" " ]]; then COMP_WORDS+=(""); fi
     COMP_CWORD=$((${#COMP_WORDS[@]} - 1))
-    _udx
+    "_${name//-/_}"
     printf "%s\n" "${COMPREPLY[@]}"' "$1" | sort -u
 }
 fish_offers() {
-  fish --no-config -c 'source completions/udx.fish; complete -C $argv[1]' "$1" | cut -f 1 | sort -u
+  fish --no-config -c 'source $argv[2]; complete -C $argv[1]' "$1" "completions/${1%% *}.fish" |
+    cut -f 1 | sort -u
 }
 
 # The options and masks that zsh is given, ahead of the brackets of their descriptions.
@@ -63,6 +65,12 @@ pack() (
   cd "$build"
   quietly cpack -G "$3"
 )
+
+# The example's rows as a case of an installation, whose parts lie apart: case_rows FOLDER
+case_rows() {
+  (cd "$work" && rm -rf case && quietly "$1/bin/udx-case" run case "$OLDPWD/examples" &&
+    sqlite3 case/case.db 'SELECT count(*) FROM entries')
+}
 
 # The example's rows, but not the run's details, which name the program: rows PROGRAM
 rows() {
@@ -86,6 +94,16 @@ done
 same "bash's masks behind a colon" $'ss.xxxxxx\nss.xxxxxxxxx' \
   "$(bash_offers 'udx -timeformat hh:mm:ss.xxxx')"
 
+commands=$(case/udx-case --help | grep -oE '^.{7}udx-case [a-z]+' | cut -c 17- | sort)
+same "the commands on the page of udx-case" "$commands" \
+  "$(sed -n 's/^\.It Cm \([a-z]*\).*/\1/p' case/udx-case.1.in | sort)"
+same "bash's commands" "$commands" "$(bash_offers 'udx-case ' | grep -v -e --help)"
+same "fish's commands" "$commands" "$(fish_offers 'udx-case ')"
+same "zsh's commands" "$commands" "$(zsh -f -c 'fpath=($0 $fpath) CURRENT=2
+  autoload -Uz _udx-case
+  _describe() { print -rl -- "${commands[@]%%:*}" }
+  _udx-case' "$PWD/completions" | sort)"
+
 echo "building the archive, here and in another folder"
 other="$work/other folder"
 mkdir "$other"
@@ -107,9 +125,10 @@ diff -r --exclude SHA256SUMS "$work/installed" "$work/unpacked"
 file "$work/unpacked/bin/udx" | grep -q "statically linked" || fail "the program isn't static"
 rows "$work/unpacked/bin/udx" >"$work/expected"
 grep -q 'URL ' "$work/expected" || fail "the program writes no rows"
-same "the recipes' views" "$work/installed/share/doc/udx/docs/views.sql" \
+same "the recipes' views" "$work/installed/share/udx/views.sql" \
   "$(PATH=$work/installed/bin:$PATH bash -c "$(grep -E '^(top=|for views)' docs/recipes.md)
     echo \$views")"
+same "the rows of a case" 9 "$(case_rows "$work/unpacked")"
 # The list is that of the installation, not cpack's.
 xargs -d '\n' rm <"$build/install_manifest.txt"
 same "what is left of an installation" "" "$(find "$work/installed" -type f)"
@@ -130,12 +149,16 @@ cmp "$build/udx" "$other/$build/udx"
 cmp "$build"/*.deb "$other/$build"/*.deb
 
 echo "checking the package"
-same "mandoc's opinion" "" "$(mandoc -T lint "$build/udx.1" 2>&1)"
-same "man's opinion" "" "$(man -l --warnings "$build/udx.1" 2>&1 >/dev/null)"
+for page in "$build"/udx.1 "$build"/udx-case.1; do
+  same "mandoc's opinion" "" "$(mandoc -T lint "$page" 2>&1)"
+  same "man's opinion" "" "$(man -l --warnings "$page" 2>&1 >/dev/null)"
+done
 # The sources carry no copyright notice that the package could repeat.
 lintian --allow-root --fail-on error,warning \
   --suppress-tags copyright-without-copyright-notice "$build"/*.deb
 dpkg-deb -x "$build"/*.deb "$work/root"
 diff -r --exclude zsh "$work/installed" "$work/root/usr"
-cmp completions/_udx "$work/root/usr/share/zsh/vendor-completions/_udx"
+for name in _udx _udx-case; do
+  cmp "completions/$name" "$work/root/usr/share/zsh/vendor-completions/$name"
+done
 rows "$work/root/usr/bin/udx" | cmp "$work/expected" -

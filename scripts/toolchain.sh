@@ -45,7 +45,7 @@ gtest=(/usr/include/gtest/gtest.h=libgtest-dev)
 declare -A machines=([aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu
   [armhf]=arm-linux-gnueabihf)
 # What some tests are skipped without.
-test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox qemu-img=qemu-utils
-  ewfexport=ewf-tools xmount=xmount nbdfuse=libnbd-bin fusermount=fuse3 tsk_recover=sleuthkit
-  mcopy=mtools ddrescue=gddrescue
+test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox chromium=chromium
+  qemu-img=qemu-utils ewfexport=ewf-tools xmount=xmount nbdfuse=libnbd-bin fusermount=fuse3
+  tsk_recover=sleuthkit mcopy=mtools ddrescue=gddrescue
   parallel=parallel /usr/sbin/sshd=openssh-server ssh=openssh-client)

@@ -67,8 +67,8 @@ needed() { grep -qw -e "$1" "$dir/packages"; }
 
 # As installed to a folder like /usr/local.
 cp "$udx" bin
-mkdir -p share/doc/udx
-ln -s "$source/docs" share/doc/udx
+mkdir share
+ln -s "$source/case" share/udx
 cd work
 . "$here/inputs.sh"
 

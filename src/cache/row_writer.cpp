@@ -140,7 +140,7 @@ void row_writer::append_carve_cells(const cache_row& row, uint64_t number) {
   append_cell(text(number, 10));
   line.put("0x");
   const std::string_view offset = text(row.offset, 16);
-  for (size_t i = offset.size(); i < 8; ++i) line.put('0');
+  for (size_t i = offset.size(); i < 8; ++i) line.put("0");
   append_cell(offset);
 }
 

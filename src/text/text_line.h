@@ -28,15 +28,11 @@ class text_line {
 
   // Ends the line with a line feed and hands it to the sink.
   void end() {
-    put('\n');
+    put("\n");
     if (is_lent) return sink.advance(used);
     sink.take({bytes.data(), used});
   }
 
-  void put(char c) {
-    *space_for(1) = c;
-    ++used;
-  }
   void put(std::string_view text) {
     std::copy(text.begin(), text.end(), space_for(text.size()));
     used += text.size();

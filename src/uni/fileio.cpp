@@ -245,10 +245,7 @@ fileio_output* fileio::attach_output() {
 }
 
 void fileio::close() {
-  if (attached_output) {
-    attached_output->flush();
-    attached_output.reset();  // its destructor writes what the buffer holds
-  }
+  attached_output.reset();  // its buffer's destructor writes what that holds
   reset();
 }
 

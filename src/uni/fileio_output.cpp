@@ -25,10 +25,6 @@ fileio_output::fileio_output(fileio* file, int buffer_size)
   if (attached) rdbuf(&buffer);
 }
 
-fileio_output::~fileio_output() {
-  if (attached) flush();
-}
-
 void fileio_output::take(std::string_view line) {
   write(line.data(), static_cast<std::streamsize>(line.size()));
 }

@@ -102,7 +102,6 @@ class fileio_ostream : public streambuf_generic_output<char> {
 class fileio_output : public std::ostream, public zk::line_sink {
  public:
   fileio_output(fileio* file, int buffer_size);
-  ~fileio_output() override;
 
   std::span<char> space() override { return attached ? buffer.space() : std::span<char>(); }
   void advance(size_t count) override { buffer.advance(count); }

@@ -52,7 +52,7 @@ load() {
   sql "$database" "SELECT 'Rows: ' || count(*) FROM cells;
     SELECT 'Files without a row: ' || count(*) FROM runs WHERE run NOT IN (SELECT run FROM cells)
     HAVING count(*) > 0;
-    SELECT 'Lines that are no rows: ' || count(*) || ', in the table other_lines' FROM other_lines
+    SELECT 'Lines that are no rows: ' || count(*) || ', as other_lines tells' FROM other_lines
     WHERE what = 'no row' HAVING count(*) > 0"
 }
 

@@ -44,7 +44,7 @@ SELECT * FROM facts;
 
 .headers on
 .print '<h2>Inputs</h2>'
-.print '<p>The SHA-256 of each was taken before it was read, and again behind. Where they differ,'
+.print '<p>The SHA-256 of each was taken before it was read, and again afterwards. Where they differ,'
 .print 'both stand here.</p>'
 .print '<table class="inputs">'
 SELECT run AS input, shown AS path, how AS searched, size AS bytes, rows,
@@ -53,10 +53,11 @@ SELECT run AS input, shown AS path, how AS searched, size AS bytes, rows,
 .print '</table>'
 
 .print '<h2>What they hold</h2><table class="sources">'
-SELECT run AS input, kind, rows, first || zone AS "first used", last || zone AS "last used"
-FROM (SELECT run, kind, count(*) AS rows, substr(min(nullif(seen, '')), 1, 19) AS first,
+SELECT run AS input, kind, who AS user, rows, first || zone AS "first used",
+  last || zone AS "last used"
+FROM (SELECT run, kind, who, count(*) AS rows, substr(min(nullif(seen, '')), 1, 19) AS first,
   substr(max(seen), 1, 19) AS last, ltrim(substr(max(seen), 20), '.0123456789') AS zone
-  FROM entries GROUP BY run, kind);
+  FROM entries GROUP BY run, kind, who);
 .print '</table>'
 .print '<h2>Users</h2>'
 .print '<p>Accounts by their names in the rows. "-" is one that an index stored so; where no name stands,'
@@ -69,7 +70,7 @@ FROM (SELECT *, ltrim(substr(last, 20), '.0123456789') AS zone FROM users);
 .print '<h2>The clock of the machine</h2>'
 .print '<p>How many hours it was ahead of UTC, by rows of daily history, which hold both times.</p>'
 .print '<table class="offsets">'
-SELECT day, hours, rows FROM offsets;
+SELECT day, hours, rows, iif(abs(hours) > 14, 'no zone is so far off', '') AS remark FROM offsets;
 .print '</table>'
 
 .print '<h2>Activity</h2><figure>'

@@ -18,5 +18,6 @@ NF == 17 && $9 ~ /^(URL |LEAK|REDR)$/ {
     details == 3 && /^$/) details++
   else details = 0
   what = details ? "details" : NF == 17 && $9 == "type" ? "titles" : "no row"
+  if (/^prob opening .* for read, aborting$/) what = "message"
   print run "," NR "," what "," quoted($0) >>others
 }

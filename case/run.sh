@@ -18,7 +18,16 @@ wanted() {
   [ "$head" = 'Client UrlCache' ]
 }
 
-# Makes the array `inputs` of what is named. What find couldn't list is in $work/walk.
+# Counts what find prints for files that may be disks or images, and for links, below a folder.
+count_images() {
+  { find -H "$1" -type f \( -size +16384k -o -iname '*.E??' -o -iname '*.vmdk' -o -iname '*.vhd*' \
+    -o -iname '*.vdi' -o -iname '*.qcow*' -o -iname '*.dd' -o -iname '*.img' -o -iname '*.raw' \) \
+    -printf x 2>/dev/null || :; } | wc -c
+}
+count_links() { { find -H "$1" -type l -printf x 2>/dev/null || :; } | wc -c; }
+
+# Makes the array `inputs` of what is named, and counts what is `passed` over below folders. What
+# find couldn't list is in $work/walk.
 find_inputs() {
   local path file
   for path; do
@@ -26,8 +35,10 @@ find_inputs() {
     if [ -d "$path" ]; then
       { find -H "$path" -type f -print0 2>>"$work/walk" || :; } | sort -z >"$work/found"
       while IFS= read -r -d '' file; do
-        ! wanted "$file" 2>/dev/null || take "$file"
+        if wanted "$file" 2>/dev/null; then take "$file"; else passed=$((passed + 1)); fi
       done <"$work/found"
+      images=$((images + $(count_images "$path")))
+      links=$((links + $(count_links "$path")))
     elif [ -f "$path" ] || [ -b "$path" ]; then
       take "$path"
     elif [ -e "$path" ]; then
@@ -36,7 +47,8 @@ find_inputs() {
       fail "$path doesn't exist, or its folder can't be searched"
     fi
   done
-  [ ${#inputs[@]} -gt 0 ] || [ -s "$work/walk" ] || fail "no index in what was named"
+  [ ${#inputs[@]} -gt 0 ] || [ -s "$work/walk" ] || fail "no index in what was named" \
+    "(below folders, name disks, images and the targets of links themselves)"
 }
 
 # What is read of a file, or fails with a message in $work/error.
@@ -146,7 +158,7 @@ read_input() {
 }
 
 run() {
-  local case udx run=1 begun=0 input inputs=() facts
+  local case udx run=1 begun=0 input inputs=() facts passed=0 images=0 links=0
   local -A taken=()
   case=$(plain "${1%/}")
   need sqlite3=sqlite3
@@ -158,6 +170,8 @@ run() {
     csv program "$udx"; csv 'SHA-256 of the program' "$(sha256sum <"$udx" | cut -d ' ' -f 1)")
   : >"$work/walk"
   find_inputs "${@:2}"
+  facts+=$'\n'$(csv 'files passed over' $passed
+    csv 'files that may be disks or images' $images; csv 'links passed over' $links)
   mkdir "$case" "$case/runs" || fail "$1 can't be made"
   unfinished="$1 is unfinished: remove it, and run again"
   for input in "${inputs[@]}"; do
@@ -193,6 +207,11 @@ make_database() {
   facts+=$'\n'$(csv ended "$(date -u '+%F %T UTC')"
     csv version "$(head -qn 1 "$case"/runs/1.tsv | tr -d '\000')")
   import "$made" facts <<<"$facts"
+  # Rows of an input that udx was shown by a link have its own path.
+  sql "$made" "CREATE TEMP TABLE linked AS SELECT run, shown FROM outcomes
+      WHERE source <> path AND how IN ('whole', 'blocks');
+    UPDATE inputs SET source = shown FROM linked WHERE linked.run = inputs.run;
+    UPDATE cells SET source = shown FROM linked WHERE linked.run = cells.run"
   sql "$made" "UPDATE inputs SET rows = found.rows
     FROM (SELECT run, count(*) AS rows FROM cells GROUP BY run) AS found
     WHERE found.run = inputs.run"

@@ -124,7 +124,7 @@ VALUES
   (6, 'maybe an earlier state', 'behaviours.md', 'Records',
     'Another row of the same record has a later time or a higher count.'),
   (7, 'maybe cut', 'behaviours.md', 'Rows cut at a block''s end',
-    'A cache row without user and header, from an input that was searched in blocks.'),
+    'A cache row without user and header: its input was searched in blocks, or ends there.'),
   (8, 'maybe no row', 'behaviours.md', 'Texts',
     'The line before or behind it is no row: a text with a line end can also write a row.'),
   (9, 'access is no visit', 'output.md', 'What the cells mean',
@@ -168,7 +168,6 @@ WITH
       nullif(access_date, '') || rtrim(access_time, ' UTC') AS accessed,
       strftime('%s', mod_date || ' ' || substr(mod_time, 1, 8))
         - strftime('%s', access_date || ' ' || substr(access_time, 1, 8)) AS ahead,
-      source IN (SELECT source FROM block_sources) AS in_blocks,
       (run, line) IN (SELECT run, line + 1 FROM other_lines WHERE what = 'no row'
         UNION SELECT run, line - 1 FROM other_lines WHERE what = 'no row') AS beside_no_row
     FROM entries),
@@ -187,7 +186,7 @@ WHERE CASE caution
     OR sync_date BETWEEN '2000-03-01' AND '2000-12-31'
   WHEN 'maybe one day early' THEN '2000-02-29' IN (expires_date, sync_date)
     OR type = 'LEAK' AND access_date BETWEEN '2000-02-29' AND '2000-12-31'
-  WHEN 'maybe cut' THEN in_blocks AND kind = 'cache' AND user = '' AND header = ''
+  WHEN 'maybe cut' THEN kind = 'cache' AND user = '' AND header = ''
   WHEN 'maybe no row' THEN beside_no_row
   WHEN 'access is no visit' THEN kind = 'weekly history'
   WHEN 'first visit to a host' THEN kind = 'daily history' AND address GLOB ':Host:*'

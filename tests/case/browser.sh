@@ -32,7 +32,7 @@ expect 'attributes that run' 0 "$(grep -oE '<[^>]* on[a-z]+=' dom | wc -l)"
 expect 'tables' 8 "$(elements table)"
 expect 'pictures' 1 "$(elements svg)"
 expect 'rows of the timeline' 18 "$(sed '1,/>Timeline</d' dom | grep -o '<tr>' | wc -l)"
-expect 'hostile texts, shown' 2 "$(grep -c "&lt;script&gt;document.title='owned'&lt;" dom)"
+expect 'hostile texts, shown' 3 "$(grep -c "&lt;script&gt;document.title='owned'&lt;" dom)"
 expect 'requests' '' "$(grep -oE '"(url|host)":"[^"]*evil[^"]*"' "$dir/net.json" | head -n 3)"
 expect 'messages of the page' '' "$(grep -a 'CONSOLE' log || :)"
 [ -s "$dir/net.json" ] || { echo 'no log of requests'; failed=1; }

@@ -61,7 +61,7 @@ void parse_case(test_case& parsed, const std::string& text) {
   parsed.whole_input = unescaped(trimmed(given.substr(std::min(bar + 1, given.size()))));
 }
 
-// How long the name ahead of an input's equal sign is; 0 if there is none.
+// How long the name before an input's equal sign is; 0 if there is none.
 size_t name_size(const std::string& input) {
   const size_t end = input.find_first_not_of("abcdefghijklmnopqrstuvwxyz_");
   return end != std::string::npos && input[end] == '=' ? end : 0;

@@ -1,19 +1,19 @@
 // The tables that the tests are, and that the fuzz targets start from: cases in text files,
-// tests/FOLDER/cases.txt or another name. Ahead of the cases of a kind, or of several, stands a
-// line that says what their inputs are:
+// tests/FOLDER/cases.txt or another name. Before the cases of a kind, or of several, a line
+// says what their inputs are:
 //
 //   KIND, KIND: TITLE | TITLE => what is expected
 //   KIND | INPUT | INPUT => EXPECTED
 //
-// A title is one of these; at most three stand for inputs without names.
+// A title is one of these; at most three are of inputs without names.
 //
 //   path      an input without a name
-//   at=       an input with a name, as at=0x80; where the last title is a list, ahead of that
+//   at=       an input with a name, as at=0x80; where the last title is a list, before that
 //   [at=0]    the same, and what it is where a case leaves it out
 //   part...   as the last title: a list, any number of inputs without names
 //
-// A case goes on in the lines below it that begin with a blank, each line's end counting as one
-// blank. Blanks around an input don't count; \n \t \r \0 \\ and \xHH stand for those characters.
+// A case continues in the lines below it that begin with a blank, each line's end counting as one
+// blank. Blanks around an input don't count; \n \t \r \0 \\ and \xHH mean those characters.
 // An empty line or one that begins with # is no case; any other must be one. What can't be
 // understood throws an error that begins with the file and the line.
 #pragma once
@@ -68,10 +68,10 @@ strings cells(const std::string& row, char separator = ',');
 // A text with `to` for each `from`.
 std::string replaced(std::string text, const std::string& from, const std::string& to);
 
-// A text as it would stand in a file of cases.
+// A text as a file of cases would have it.
 std::string escaped(const std::string& text);
 
-// A number in decimal or, behind 0x, in hexadecimal. A negative one is of the type's own width.
+// A number in decimal or, after 0x, in hexadecimal. A negative one is of the type's own width.
 // Throws unless the whole text is one that the type can hold.
 template <class Number = uint64_t>
 Number number(const std::string& text) {
@@ -92,7 +92,7 @@ inline uint32_t number32(const std::string& text) {
   return number<uint32_t>(text);
 }
 
-// Values side by side, apart by bars.
+// Values in one line, with bars between them.
 template <class... Values>
 std::string joined(const Values&... values) {
   std::ostringstream out;

@@ -8,10 +8,10 @@
 #include "tools/case_file.h"
 
 // An extent: its descriptor, the byte that fills each of its grains or a dot if it holds none, and
-// AT=NUMBER for what stands in four bytes, or a size to cut or fill the file to.
+// AT=NUMBER for a field of four bytes, or a size to cut or fill the file to.
 std::vector<uint8_t> vmdk_from_text(const std::string& keys, const std::string& grains,
                                     const strings& changes);
 
-// The start of a disk: its size, and boot records: where each stands, behind that size too, then
-// TYPE,FIRST,SECTORS for each of its entries, and the name in it.
+// The start of a disk: its size, and boot records: the place of each, which may lie after that
+// size, then TYPE,FIRST,SECTORS for each of its entries, and the name in it.
 std::vector<uint8_t> boot_records_from_text(const std::string& size, const strings& records);

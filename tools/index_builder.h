@@ -14,7 +14,7 @@ using byte_vector = std::vector<uint8_t>;
 uint64_t filetime_of(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 uint32_t dos_of(int year, int month, int day, int hour = 0, int minute = 0, int second = 0);
 
-// One record. Strings are laid out behind the fixed part in the order url, file name, header, and
+// One record. Strings are laid out after the fixed part in the order url, file name, header, and
 // the offsets and the block count follow from them unless they are set by hand.
 class record {
  public:
@@ -31,7 +31,7 @@ class record {
   record& directory(uint8_t index);
   record& count(uint32_t times);
   record& filename(std::string_view name);
-  // The header text, with its line ends, and the user marker behind it.
+  // The header text, with its line ends, followed by the user marker.
   record& header(std::string_view text, std::string_view user = {});
   // A field, or a byte anywhere, whatever else it would be.
   record& put8(uint32_t at, uint8_t value);
@@ -57,10 +57,10 @@ class record {
 // A whole index: header, directory table, a HASH block that lists the records, and the records.
 class index_file {
  public:
-  // Bytes ahead of the first HASH block.
+  // Bytes before the first HASH block.
   static constexpr uint32_t header_size = 0x1000;
   static constexpr uint32_t hash_block_size = 0x1000;
-  // The entries of a HASH block that stand ahead of its stop entry.
+  // The entries of a HASH block before its stop entry.
   static constexpr uint32_t most_entries = (hash_block_size - 0x10) / 8 - 1;
 
   index_file& directories(const std::vector<std::string>& names);

@@ -1,12 +1,12 @@
-// Bytes from text, for the tables of cases: pieces that stand one behind the other, and changes to
-// the piece ahead. Not one byte more may be read, which the sanitizer build sees.
+// Bytes from text, for the tables of cases: pieces that follow one another, and changes to
+// the piece before. No byte after the last may be read, which the sanitizer build sees.
 //
 //   url TEXT, redr TEXT, leak   a record, in whole blocks
 //   roomy                       a URL record of 384 bytes, dots from 105 on, its URL the last one
 //   hash OFFSET OFFSET          a HASH block of 4096 bytes that lists records there
 //   text TEXT                   what it says
 //   header TEXT                 change: the header of a roomy record
-//   AT:TEXT                     change: what stands there
+//   AT:TEXT                     change: the bytes there
 //   AT=NUMBER, NAME=NUMBER      change: a field of 4 bytes, or of 8 if it takes them
 //   size NUMBER                 cuts the whole, or fills it up with NULs
 #pragma once

@@ -30,7 +30,7 @@ uint32_t random_index_builder::next_dos() {
   return one_of({0u, 0x1234BEEFu, real, real});
 }
 
-// A random record, in some of whose fields stands what its maker didn't mean.
+// A random record, some of its fields damaged.
 byte_vector random_index_builder::next_record() {
   const std::string url = next_text(once_in(20) ? 1200 : 150);
   record built = once_in(5) ? record::redr(url) : record::url(url);

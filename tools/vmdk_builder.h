@@ -28,7 +28,7 @@ struct vmdk_builder {
       zk::store_le32(&made[at], static_cast<uint32_t>(value));
     };
     put(0, vmdk_layout::magic);
-    put(vmdk_layout::capacity, tables * 128 * 8 - 128);  // so that no read passes the tables
+    put(vmdk_layout::capacity, tables * 128 * 8 - 128);  // so that no read exceeds the tables
     put(vmdk_layout::grain_size, 8);
     put(vmdk_layout::descriptor_offset, 1);
     put(vmdk_layout::descriptor_size, 2);

@@ -11,7 +11,7 @@
 #include "opts/cmd_opts.h"
 
 // Its texts are those of the record, in the bytes of the input or in the memory of the table that
-// keeps the row, less the blanks at both ends.
+// keeps the row.
 struct cache_row {
   uint64_t offset = ~0ULL;
   uint64_t last_mod = 0;  // FILETIME, 0 for none
@@ -36,7 +36,7 @@ struct cache_row {
   bool is_redirect() const { return signature == redr_signature; }
 };
 
-// The input's name as the rows show it: the path, the partition with ":\" behind it, or the disk
+// The input's name as the rows show it: the path, the partition followed by ":\", or the disk
 // files joined by "; ".
 std::string source_name(const cmd_opts& opts);
 

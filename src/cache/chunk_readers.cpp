@@ -26,6 +26,8 @@ constexpr int64_t largest_disk = 1LL << 46;
 // chunk of a file and every 33rd of a disk, if no read was short or failed.
 constexpr uint64_t progress_every = 99;
 
+// Deliberate: this percentage is computed in double after the position was cut to float, the next
+// one all in float.
 void show_percent(uint64_t position, int64_t size) {
   const double percent = static_cast<double>(static_cast<float>(position)) * 100.0;
   uni::progress_percent("percent: %d", static_cast<int>(percent / static_cast<double>(size)));
@@ -40,8 +42,8 @@ void finish_progress(const cmd_opts& opts) {
   if (opts.show_progress) uni::clear_progress_line();
 }
 
-// Whether rows must wait for the end of their input. If they left while it is searched, they would
-// stand ahead of messages that share their file, or overwrite what is still to be read.
+// Whether rows must wait for the end of their input. If they were written while it is searched,
+// they would come before messages that share their file, or overwrite what is still to be read.
 bool rows_wait(const cmd_opts& opts, const std::vector<int>& inputs) {
   if (uni::same_file(opts.results_fd, STDERR_FILENO)) return true;
   return std::any_of(inputs.begin(), inputs.end(),

@@ -48,7 +48,7 @@ struct gap {
   uint64_t begin, end;
 };
 
-// The spans between known records. What lies ahead of the first is none.
+// The spans between known records. What lies before the first isn't one.
 std::vector<gap> gaps_between(const std::map<uint64_t, hash_range>& ranges, uint32_t size) {
   std::vector<gap> gaps;
   uint64_t end = 0;

@@ -18,7 +18,7 @@ namespace {
 
 constexpr std::string_view signature_prefix = "Client UrlCache";
 
-// Decodes the record that an entry points to. Entries that point nowhere are passed over.
+// Decodes the record that an entry points to. Entries that point nowhere are skipped.
 void read_entry(hash_block& block, hash_entry entry, uint8_t* bytes, uint64_t size) {
   if (entry.record_offset >= size || size - entry.record_offset < 4) return;
   const auto limit =
@@ -90,7 +90,7 @@ bool attach_directories(cache_container& container, std::vector<std::string>& di
   container = {};
   if (!read_header(container, bytes, size)) return false;
   if (!read_directories(container, bytes, size)) return false;
-  // A row's index is a byte, so no name past these is ever asked for.
+  // A row's index is a byte, so no later name is ever asked for.
   const size_t count = std::min<size_t>(container.directories.size(), 256);
   const auto first = container.directories.begin();
   directories.assign(first, first + static_cast<ptrdiff_t>(count));

@@ -90,8 +90,8 @@ struct cache_container {
 // the signature is wrong.
 bool read_header(cache_container& container, const uint8_t* bytes, uint32_t size);
 
-// The offset of `span` from `base`, or 0 if `need` bytes from it don't fit the `size` bytes at
-// `base`.
+// Despite its name, returns an offset: that of `span` from `base`, or 0 if `need` bytes from it
+// don't fit the `size` bytes at `base`.
 // Deliberate: a span that ends exactly at the end, and one at the very start, give 0 too.
 uint32_t range_fits(const uint8_t* base, const uint8_t* span, uint64_t need, uint64_t size);
 
@@ -109,7 +109,7 @@ bool attach_directories(cache_container& container, std::vector<std::string>& di
                         const uint8_t* bytes, uint32_t size);
 
 // Reads the HASH block at `offset` and decodes the records that it lists. False if there is none,
-// its length passes the file's or its first entry reaches the file's end.
-// Deliberate: the list goes on past the block's own end, to a stop entry or the end of the file;
+// its length exceeds the file's or its first entry reaches the file's end.
+// Deliberate: the list is read beyond the block's own end, to a stop entry or the end of the file;
 // and a URL record counts where its signature is right, even if its strings refuse it.
 bool read_hash_block(hash_block& block, uint8_t* bytes, uint64_t offset, uint64_t size);

@@ -32,14 +32,14 @@ bool read_whole(std::vector<uint8_t>& bytes, const uni::fileio& file) {
   return file.read_at(bytes.data(), count, 0);
 }
 
-// Writes the rows of one input, and ahead of the first the header line if it is still pending.
+// Writes the rows of one input, and before the first the header line if it is still pending.
 class row_output {
  public:
   row_output(zk::line_sink& sink, cmd_opts& options) : out(sink), opts(options) {}
 
   std::vector<std::string> directories;  // names of the input's cache directories, once known
 
-  void write_header() {
+  void write_pending_header() {
     if (!writer) writer.emplace(out, opts, directories);
     if (!opts.header_pending || !opts.write_header) return;
     writer->write_header_line();
@@ -47,7 +47,7 @@ class row_output {
   }
 
   void write(const cache_row& row) {
-    write_header();
+    write_pending_header();
     if (opts.write_header) {
       writer->write_row(row, ++number);
     } else {
@@ -108,7 +108,7 @@ bool parse_input(zk::line_sink& out, cmd_opts& opts) {
   } else if (!opts.partition_path.empty() || !opts.vmdk_paths.empty()) {
     result = scan_raw_source(table, opts);
   }
-  output.write_header();
+  output.write_pending_header();
   table.end_input();
   return result;
 }

@@ -15,6 +15,6 @@ bool add_record(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint3
 // Tries every signature on the block grid of `bytes`, which lie at the absolute offset `base`. The
 // first 128 bytes of a buffer are never tried. `bytes` are written to where decode_url_record says
 // so. `overlap`, how many of the last bytes come again in the next buffer, decides nothing: no
-// signature is met behind the end. The result says whether any was met, accepted or not.
+// signature is found beyond the end. The result says whether any was found, accepted or not.
 bool scan_buffer(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint32_t size,
                  uint64_t base, uint32_t overlap);

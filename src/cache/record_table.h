@@ -1,10 +1,10 @@
 // The rows of one input that aren't written yet, in ascending offset: a window that moves over the
 // input. Rows come in as it is searched, and leave once they are final: no later search can find a
-// record ahead of them, or under their offset again. The table alone decides that.
+// record before them, or at their offset again. The table alone decides that.
 //
-// A large input is searched in chunks that overlap. The search of a chunk begins 128 bytes into it,
-// so that all ahead of that place in the next chunk is final once this search is past it. Most rows
-// are final as they come, and aren't kept at all.
+// A large input is searched in chunks that overlap. Byte 128 of a chunk is the first that its
+// search tries. Everything before byte 128 of the next chunk is final once this search has passed
+// it. Most rows are final as they come, and aren't kept at all.
 #pragma once
 
 #include <cstdint>
@@ -24,16 +24,16 @@ class record_table {
   record_table(const record_table&) = delete;
   record_table& operator=(const record_table&) = delete;
 
-  // Takes a row whose texts may be gone after the call. The first one under an offset stays, others
+  // Takes a row whose texts may be gone after the call. The first one at an offset stays, others
   // are dropped. Within a chunk rows come in ascending offset. Throws std::bad_alloc.
   void add(const cache_row& row);
 
   bool empty() const { return rows.empty(); }
 
-  // No row leaves before the input's end. To be said ahead of the first row.
+  // No row leaves before the input's end. Call it before the first row.
   void keep_all() { keeps_all = true; }
 
-  // Tells, ahead of a chunk's search, that all later chunks begin at `position` or behind it.
+  // Tells, before a chunk's search, that all later chunks begin at `position` or after it.
   void next_chunk_at(uint64_t position);
 
   // Tells that the chunk's search has ended, or that of the whole input.
@@ -54,5 +54,5 @@ class record_table {
   row_taker take_final;
   bool keeps_all = false;
   uint64_t first_searched = 0;  // the first place that this chunk's search can reach
-  uint64_t first_open = 0;  // the first that those of later chunks can: ahead of it rows are final
+  uint64_t first_open = 0;      // the same of later ones: rows before it are final
 };

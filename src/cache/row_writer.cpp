@@ -120,7 +120,7 @@ void row_writer::append_cell(std::string_view text) {
   line.put(opts.csv_separator);
 }
 
-// One reservation for all of them: a row's time goes to such small steps.
+// One reservation for all of them: a row's time is spent in such small steps.
 template <class... Cells>
 void row_writer::append_cells(const Cells&... cells) {
   const std::string_view separator = opts.csv_separator;

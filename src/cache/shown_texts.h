@@ -9,7 +9,7 @@ constexpr char shown_char(char c) {
   return c == '\r' ? ' ' : c;
 }
 
-// Write a text to `out` as rows show it, and return the place behind it. Its size stays.
+// Write a text to `out` as rows show it, and return the place after it. Its size stays.
 char* put_shown(char* out, std::string_view url_or_filename);
 // Commas become semicolons, and all but printable ASCII blanks.
 char* put_shown_header(char* out, std::string_view header);

@@ -14,7 +14,7 @@ namespace {
 constexpr std::string_view user_marker = "~U:";
 
 // The record's bytes while it is being decoded: `begin` to `end` may be read, and the first `room`
-// of them are the record's own, up to the next record.
+// of them are the record's own, up to the next signature.
 struct record_bytes {
   uint8_t* begin;
   const uint8_t* end;
@@ -40,7 +40,7 @@ bool find_url(url_record& record, const record_bytes& bytes, bool& whole) {
   const uint32_t at = record.field32(url_layout::url_offset);
   if (at == 0 || at >= bytes.room) return false;
   const uint32_t left = bytes.room - at;
-  // One byte past the room tells whether the URL ends there.
+  // One byte beyond the room tells whether the URL ends there.
   const uint8_t* const begin = bytes.begin + at;
   const auto readable = static_cast<uint64_t>(bytes.end - begin);
   const std::string_view text =
@@ -50,7 +50,7 @@ bool find_url(url_record& record, const record_bytes& bytes, bool& whole) {
   return true;
 }
 
-// Finds the header text, and the user behind its marker. False if the header span is empty.
+// Finds the header text, and the user after its marker. False if the header span is empty.
 bool find_header(url_record& record, const record_bytes& bytes) {
   uint32_t length = record.field32(url_layout::header_length);
   uint32_t start = record.field32(url_layout::header_offset);
@@ -69,6 +69,7 @@ bool find_header(url_record& record, const record_bytes& bytes) {
     const std::string_view behind = header.substr(marker + user_marker.size());
     record.user = zk::trimmed(behind.substr(0, behind.find('\0')));
     header = header.substr(0, marker);
+    // Deliberate: "-" replaces the user too, though one was found.
     if (header.empty()) header = record.user = "-";
   }
   record.http_header = trimmed_header(header.substr(0, header.find('\0')));

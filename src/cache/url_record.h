@@ -36,8 +36,9 @@ inline constexpr uint32_t leak_access = 0x5C;
 inline constexpr uint32_t fixed_size = 0x68;
 }  // namespace url_layout
 
-// A decoded record. Its texts are those of the file, less the blanks at both ends; they stay in the
-// bytes that it came from.
+// A decoded record. Its texts stay in the bytes that it came from. They lose the blanks at both
+// ends, the header all unprintable bytes there. Where the header begins with the user's marker,
+// both it and the user are a literal "-".
 struct url_record {
   std::array<uint8_t, url_layout::fixed_size> fixed = {};  // the fixed part as the file has it
   std::string_view url;
@@ -55,9 +56,9 @@ struct url_record {
 };
 
 // Decodes the record at `bytes` + `offset`, of which `limit` bytes from `bytes` on may be read; no
-// string reaches past them. `flag` has no effect. False if there is no such record or its strings
+// string reaches beyond them. `flag` has no effect. False if there is no such record or its strings
 // refuse it.
-// Deliberate: where another record begins inside the room, the block count in `bytes` is corrected
-// to end there, while `record` keeps the file's own.
+// Deliberate: if a signature follows in the buffer, the block count in `bytes` is set to the
+// distance to it, larger or smaller than before, while `record` keeps the file's own.
 bool decode_url_record(url_record& record, uint8_t* bytes, uint64_t offset, uint32_t limit,
                        uint8_t flag);

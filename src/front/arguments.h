@@ -14,10 +14,10 @@ using argument_list = std::vector<std::string>;
 // One entry for each of `argv`; a null one becomes empty.
 argument_list make_argument_list(int argc, const char* const* argv);
 
-// Whether `name` stands at or behind index `start`.
+// Whether `name` is at index `start` or later.
 bool has_option(std::string_view name, const argument_list& args, uint8_t start);
 
-// The entry behind `name`, which is looked for from `start` on. False if it is the last entry or
+// The entry after `name`, which is looked for from `start` on. False if it is the last entry or
 // isn't there; `value` then stays.
 bool get_option_value(std::string_view name, std::string& value, const argument_list& args,
                       uint8_t start);
@@ -32,5 +32,5 @@ bool take_option(std::string_view name, std::string& value, argument_list& args)
 // Removes the entry at `index`, if there is one.
 void drop_argument(int32_t index, argument_list& args);
 
-// Replaces `out` by the arguments, joined by a blank; one that holds a blank stands in `quote`s.
+// Replaces `out` by the arguments, joined by a blank; one that holds a blank is put in `quote`s.
 void make_cmdline(std::string& out, const argument_list& args, char quote);

@@ -1,5 +1,5 @@
-// The last step of a run: when this object goes, it wipes the progress line and reports the elapsed
-// time where that was asked for.
+// The last step of a run: when this object is destroyed, it wipes the progress line and reports the
+// elapsed time where that was asked for.
 #pragma once
 
 #include <cstdint>

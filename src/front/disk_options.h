@@ -17,7 +17,7 @@ using disk_list_check =
 
 // Reads -vmdk and -offset, first parse_options unless `skip_common` is set, and hands the disk
 // files to `check` and then, unless empty, to `second`. `name` names the option in the suggestion
-// that goes to standard error with the messages of a failed check.
+// that is written to standard error with the messages of a failed check.
 [[nodiscard]] bool parse_vmdk_options(cmd_params& params, argument_list& args,
                                       const disk_list_check& check, const disk_list_check& second,
                                       bool skip_common, const char* name);

@@ -156,7 +156,7 @@ int run_mode(argument_list& args, zk::line_sink& out, cmd_opts& opts) {
 }
 
 int run_steps(int argc, const char* const* argv) {
-  // They go in reverse order, so that the context is the last to act.
+  // Locals are destroyed in reverse order: `context` after the results.
   argument_list args = make_argument_list(argc, argv);
   cmdline_ctx context;
   cmd_opts opts;

@@ -22,6 +22,6 @@ void parse_byte_list(std::vector<uint8_t>& out, const std::string& text, char se
 // stored in every entry that is then there. Always true.
 bool add_filter(filter_list& filters, argument_list& args, const std::string& value);
 
-// Appends the entry of a -filter_sig value, hexadecimal bytes and behind a bar or a comma their
+// Appends the entry of a -filter_sig value, hexadecimal bytes and after a bar or a comma their
 // offset in the file. Always true.
 bool add_signature_filter(filter_list& filters, const std::string& value);

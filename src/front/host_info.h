@@ -22,7 +22,7 @@ struct host_info {
   std::string release;
   std::string node;
   std::string path;
-  std::string stem;  // what stands between the path's last "/" and the next "_" behind it
+  std::string stem;  // what lies between the path's last "/" and the next "_" after it
   bool on_network = false;
   bool on_usb = false;
 };
@@ -31,7 +31,7 @@ struct host_info {
 void host_info_read(host_info& info, const std::string& path);
 
 // Writes system, version, release and "64" or "32" with `separator` between them, with `with_node`
-// the node's name behind the system, with `with_stem` the stem at the end. `replacement` stands for
-// each separator inside a text. The stream is emptied first.
+// the node's name after the system, with `with_stem` the stem at the end. `replacement` is
+// written for each separator inside a text. The stream is emptied first.
 void host_info_write(const host_info& info, std::ostringstream& out, const std::string& separator,
                      const std::string& replacement, bool with_node, bool with_stem);

@@ -11,19 +11,20 @@
 void clear_output_forms(cmd_params& params);
 
 // Opens the -diags file, writes the command line to it and takes -l2 or -l3. A file that can't be
-// opened is passed over.
+// opened is ignored.
 bool open_diags(cmd_params& params, argument_list& args, const std::string& value);
 
 // Stores the results path. The file is opened for a test and then removed.
-// Deliberate: it is removed under -append as well, which protects nothing.
+// Deliberate: it is removed even with -append, which therefore has no effect.
 bool set_out_path(cmd_params& params, argument_list& args, const std::string& value);
 
 // Store the pairs of -alias, and the pairs or the one path of -aliaspath.
 bool add_aliases(cmd_params& params, argument_list& args, const std::string& value);
 bool add_alias_paths(cmd_params& params, argument_list& args, const std::string& value);
 
-// Set the time span. A stop before the start, or one that can't be read, is refused with a message
-// and leaves no stop.
+// Set the time span. A date without a separator ends the run silently. Any other start that can't
+// be read clears both ends, with a message; a stop that can't, or lies before the start, only
+// itself.
 bool set_start_time(cmd_params& params, argument_list& args, const std::string& value);
 bool set_stop_time(cmd_params& params, argument_list& args, const std::string& value);
 

@@ -41,7 +41,7 @@ void turn_backslashes(std::string& text) {
   zk::replace_char(text, '\\', '/');
 }
 
-// Where `text` first stands in `where`, or npos.
+// Where `text` first is in `where`, or npos.
 template <class String>
 size_t find_text(const String& where, const std::wstring& text) {
   const auto found = std::search(where.begin(), where.end(), text.begin(), text.end());

@@ -17,8 +17,9 @@ struct file_stat {
 
 // The test of a path that is UTF-8. False for an empty path, and with filters for one that isn't
 // UTF-8. Names are compared in lower case; the first filter that fits decides. `unreadable` tells
-// that a file whose bytes were to be compared couldn't be opened. Without a `stat`, as in a walk,
-// no time is tested. Deliberate: an empty filter list takes every other path at once, so that the
-// time span counts only beside a filter.
+// that a file whose bytes were to be compared couldn't be opened. Without a `stat`, as while a
+// walk lists a folder, no time is tested; the driver tests each walked path again, with one.
+// Deliberate: an empty filter list takes every other path at once, so that the time span counts
+// only beside a filter.
 bool filter_match(const cmd_params& span, bool& unreadable, const std::string& path,
                   const filter_list& filters, file_stat* stat);

@@ -87,7 +87,8 @@ class chain_check {
     return verdict::joined;
   }
 
-  // Whether the parent's file is listed. Then it doesn't matter that its key has changed.
+  // Whether a listed path holds the parent's hint, as each does an empty one. The list is then
+  // accepted here, but joining it fails, as no listed file has the parent's key.
   bool hint_is_listed(const VMDK_EXTENT& extent) const {
     std::wstring hint = zk::utf8_to_wide(extent.m_parent_hint);
     zk::remove_char_wide(hint, L'"');

@@ -74,7 +74,7 @@ struct mapping {
   }
 
   // Adds the entries of a record, `base` being added to each first sector. The result is the first
-  // sector of the extended entry that ended it, as it stands there, if there was one.
+  // sector of the extended entry that ended it, with nothing added, if there was one.
   std::optional<uint32_t> add_table(const uint8_t* record, uint64_t base) {
     for (uint32_t i = 0; i < mbr_layout::entry_count; ++i) {
       const partition_entry entry = entry_of(record, i);
@@ -93,7 +93,7 @@ struct mapping {
     const std::optional<uint32_t> link = add_table(record, first);
     if (!link) return;
     uint64_t next = first + *link;
-    // A list with more tables than the bytes can hold goes in circles.
+    // A list with more tables than the bytes can hold is a circle.
     for (uint64_t left = length / mbr_layout::size; left > 0 && next < length; --left) {
       record = record_at(next);
       if (!record) return;

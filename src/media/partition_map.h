@@ -17,7 +17,7 @@ struct VOLUME_ENTRY {
 using VOLUME_LIST = std::vector<VOLUME_ENTRY>;
 
 // Replaces `volumes` by those that the bytes show. With `carving` bytes that begin with a volume's
-// own boot sector count, and a master boot record is searched for where none is at the start.
-// Boot records that lie past the bytes are passed over. False, and an empty list, if there is none;
-// prints nothing.
+// own boot sector are accepted, and a master boot record is searched for where none is at the
+// start. Boot records that lie beyond the bytes are skipped. False, and an empty list, if there is
+// none; prints nothing.
 bool partition_map(const uint8_t* bytes, uint64_t length, VOLUME_LIST& volumes, bool carving);

@@ -26,9 +26,9 @@ class RAW_DISK_IO {
   int64_t size() const { return m_open ? m_size : 0; }
 
   // Reads `count` bytes from `offset`. A plain source clamps `count` to its end, and no further:
-  // after a short read the rest of `out` is what it was. A VMware disk leaves `count` full: past
+  // after a short read the rest of `out` is what it was. A VMware disk leaves `count` full: beyond
   // its end it brings what its extents still hold there, and zeros. False for a null `out`, a
-  // source that isn't open, a count of 0, an offset at or past the end, and a read that fails,
+  // source that isn't open, a count of 0, an offset at or beyond the end, and a read that fails,
   // which may have clamped `count`.
   [[nodiscard]] bool read(uint8_t* out, uint32_t& count, int64_t offset) const;
 

@@ -12,7 +12,7 @@ namespace {
 
 // What a file and a disk do differently.
 struct block_rules {
-  bool failed_read_ends;    // the scan; else the block is passed over
+  bool failed_read_ends;    // the scan; else the block is skipped
   bool size_follows_reads;  // what one read brought is the most that later ones ask for
 };
 constexpr block_rules file_rules = {true, true};
@@ -30,13 +30,13 @@ void scan_blocks(const Source& source, block_rules rules, uint64_t begin, uint64
                  uint32_t size, uint32_t overlap, const block_callback& callback) {
   uni::stretch_finder stretches(source);
   std::vector<uint8_t> buffer(size);
-  bool buffer_is_old = false;
+  bool after_hole = false;
   for (uint64_t position = begin; position < end && size != 0;) {
     const bool hole = stretches.all_zeros(position, size);
-    // Where a read doesn't fill the buffer, what an earlier one left is searched. Behind a hole,
+    // Where a read doesn't fill the buffer, what an earlier one left is searched. After a hole,
     // which wasn't read, that must be zeros.
-    if (!hole && buffer_is_old) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
-    buffer_is_old = hole;
+    if (!hole && after_hole) std::fill(buffer.begin(), buffer.end(), uint8_t{0});
+    after_hole = hole;
     uint32_t count = size;
     const bool failed = !hole && !read(source, buffer.data(), count, position);
     if (failed && rules.failed_read_ends) return;

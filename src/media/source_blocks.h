@@ -14,8 +14,8 @@ struct source_block {
   uint32_t size;           // in bytes
   uint32_t overlap;        // how many of its last bytes the next block begins with
   uint64_t position;       // of its first byte in the source
-  uint64_t next_position;  // of that of the next block, if there is one
-  bool has_bytes;  // false for a hole, which is all zeros and wasn't read, and a failed read
+  uint64_t next_position;  // of the next block's first byte, if there is one
+  bool has_bytes;  // false for a hole, which isn't read, and a failed read: don't read `bytes`
 };
 
 using block_callback = std::function<void(const source_block&)>;
@@ -24,14 +24,15 @@ using block_callback = std::function<void(const source_block&)>;
 // each begins `overlap` bytes before its predecessor's end. A file of less than one block comes
 // whole, without overlap. Of any other, the last block holds at least the overlap, and maybe
 // nothing else. A failed read ends the scan silently. A short one lowers the size of all later
-// blocks, of which the last may then be smaller than the overlap. False only if the file isn't
+// blocks, of which the last may then be smaller than the overlap; if it brings no more than the
+// overlap, later blocks have none; 0 bytes end the scan. False only if the file isn't
 // open. Throws std::bad_alloc if there isn't the memory.
 bool scan_file_blocks(const uni::fileio& file, const block_callback& callback, uint32_t block_size,
                       uint32_t overlap, uint64_t start);
 
-// Hands the bytes of `disk` ahead of `end` on in the same way. Each read asks for a whole block,
-// also the one at the end. A block whose read fails is passed over, and the next one doesn't
-// overlap it. A short read leaves the rest of the block as it was; it ends the overlap for all
-// later blocks if it brings no more than that.
+// Hands the bytes of `disk` before `end` on in the same way. Each read asks for a whole block,
+// also the one at the end. A block whose read fails comes without bytes, and the next one
+// doesn't overlap it. A short read leaves the rest of the block as it was; if it brings no more
+// than the overlap, later blocks have none.
 void scan_disk_blocks(const RAW_DISK_IO& disk, const block_callback& callback, uint32_t block_size,
                       uint32_t overlap, uint64_t end);

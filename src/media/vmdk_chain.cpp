@@ -94,8 +94,8 @@ bool VMDK_CHAIN::read_chain(uint8_t* out, uint64_t offset, uint32_t count) const
 uni::stretch VMDK_CHAIN::stretch_at(uint64_t offset) const {
   constexpr uint64_t no_end = std::numeric_limits<uint64_t>::max();
   if (!m_valid) return {no_end, false};
-  // Table numbers wrap at 32 bits, so the search is bounded; behind the bound the caller asks
-  // again.
+  // Table numbers wrap at 32 bits, so the search is bounded; the caller asks again from the bound
+  // on.
   const uint64_t limit = offset + std::min(no_end - offset, longest_stretch);
   const VMDK_EXTENT* owner = nullptr;
   uint64_t end = offset;

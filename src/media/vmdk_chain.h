@@ -31,7 +31,7 @@ class VMDK_CHAIN {
 
   // Reads `count` bytes at a place on the disk, each grain from the newest extent that holds it.
   // What no extent holds, or can't be read, becomes zeros; `out` is always filled. The disk's
-  // size is no bound: what an extent holds past it comes as data. False if the chain isn't joined
+  // size is no bound: what an extent holds beyond it comes as data. False if the chain isn't joined
   // properly, or nothing is asked for.
   [[nodiscard]] bool read_chain(uint8_t* out, uint64_t offset, uint32_t count) const;
 
@@ -45,7 +45,7 @@ class VMDK_CHAIN {
   // Joins an extent to its parent, if that is in the map. False if it isn't.
   bool join(VMDK_EXTENT& extent);
 
-  // Walks from the base to the leaf. The chain becomes valid unless the walk goes in circles.
+  // Walks from the base to the leaf. The chain becomes valid unless the walk finds a circle.
   void walk_from_base();
 
   void clear();

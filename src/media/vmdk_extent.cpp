@@ -64,7 +64,7 @@ bool VMDK_EXTENT::read_header() {
   m_bytes_per_grain = grain_sectors * vmdk_layout::sector_size;
   m_bytes_per_table = m_entries_per_table * m_bytes_per_grain;
   m_metadata_size = sectors_to_bytes32(zk::load_le64(&m_header[vmdk_layout::overhead]));
-  // Both divide; products that wrap to nothing are refused like a size of nothing.
+  // Both are divisors: 0 is refused, also one from overflow.
   return m_bytes_per_grain != 0 && m_bytes_per_table != 0;
 }
 
@@ -138,9 +138,9 @@ bool VMDK_EXTENT::read_directory(std::vector<uint32_t>& directory) {
 }
 
 bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
-  // No more than all tables together, which the directory's size has bounded.
+  // At most largest_tables, which read_directory checked.
   const size_t table_bytes = m_entries_per_table * sizeof(uint32_t);
-  // Tables mostly stand one behind the other, so that one read brings many.
+  // Tables mostly follow one another, so that one read brings many.
   const size_t most_ahead = std::max<size_t>(table_bytes, 1 << 18);
   std::vector<uint8_t> ahead;
   uint64_t ahead_at = 0;
@@ -159,7 +159,7 @@ bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
       ahead_at = at;
       ahead.resize(static_cast<size_t>(std::min<uint64_t>(most_ahead, m_metadata_size - at)));
       if (!read_filled(ahead.data(), ahead.size(), at)) {
-        // What can't be read may lie behind this table.
+        // What can't be read may lie after this table.
         ahead.resize(table_bytes);
         if (!read_filled(ahead.data(), ahead.size(), at)) return false;
       }
@@ -171,7 +171,7 @@ bool VMDK_EXTENT::read_tables(const std::vector<uint32_t>& directory) {
 
 void VMDK_EXTENT::add_table(const uint8_t* bytes) {
   const size_t size = m_entries_per_table * sizeof(uint32_t);
-  // All bytes equal their neighbours, and so the first.
+  // Each byte equals the next, so all are 0.
   if (bytes[0] == 0 && std::memcmp(bytes, bytes + 1, size - 1) == 0) {
     m_table_numbers.push_back(empty_table);
     return;
@@ -232,7 +232,7 @@ uint64_t VMDK_EXTENT::bytes_not_held(uint64_t offset) const {
     const uint64_t in_table = offset - table * m_bytes_per_table;
     return std::min(left_in_table, m_bytes_per_grain - in_table % m_bytes_per_grain);
   }
-  // Nothing is held behind the last table, until the table's number starts from 0 again.
+  // Nothing is held after the last table, until the table's number starts from 0 again.
   const uint64_t tables_left = std::numeric_limits<uint32_t>::max() - table;
   if (tables_left > (most - left_in_table) / m_bytes_per_table) return most;
   return left_in_table + tables_left * m_bytes_per_table;

@@ -24,7 +24,7 @@ class VMDK_EXTENT {
   [[nodiscard]] bool open(const std::wstring& path, bool write);
 
   // The place in the file of a byte of the virtual disk. False if this extent doesn't hold it; true
-  // also where the place lies past the file's end.
+  // also where the place lies beyond the file's end.
   [[nodiscard]] bool locate_grain(uint64_t offset, uint64_t& file_offset) const;
 
   // The bytes from a place on the virtual disk to the end of its grain, in 32 bits.
@@ -49,7 +49,7 @@ class VMDK_EXTENT {
 
   std::vector<std::wstring> m_descriptor_lines;  // stored
   std::string m_encoding;
-  std::string m_parent_cid;  // values as they stand, quotes and carriage returns included
+  std::string m_parent_cid;  // values unchanged, quotes and carriage returns included
   std::string m_cid;
   std::string m_parent_hint;
   VMDK_EXTENT* m_child = nullptr;          // next newer, borrowed
@@ -85,5 +85,5 @@ class VMDK_EXTENT {
   // disk's are, and take no more memory than this.
   static constexpr uint32_t empty_table = 0xFFFFFFFF;
   std::vector<uint32_t> m_table_numbers;
-  std::deque<uint32_t> m_entries;  // of these tables, one behind the other
+  std::deque<uint32_t> m_entries;  // of these tables, one after the other
 };

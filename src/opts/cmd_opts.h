@@ -6,7 +6,7 @@
 //   input_path              by the driver, for each input
 //   any_signature           by take_locale, and by parse_input at the first file it reads whole
 //   file_kind               by classify_path, for each file that is read whole
-//   header_pending          cleared by parse_input behind the header line
+//   header_pending          cleared by parse_input after the header line
 #pragma once
 
 #include <cstdint>

@@ -57,7 +57,7 @@ struct cmd_params {
   bool mode_bodyfile = false;
   bool mode_multiline = false;
   bool verbose = true;         // rows have their cells from user to HTTP header filled
-  bool show_progress = true;   // progress lines of a large file, and the wipes behind them
+  bool show_progress = true;   // progress lines of a large file, and the wipes after them
   bool pair_datetime = false;  // read by -csv and format_masks alone
   bool pipe_ungated = false;   // the gate isn't asked for -pipe
   bool header_pending = true;  // the header line is still to be written

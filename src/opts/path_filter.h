@@ -10,7 +10,7 @@ struct path_filter {
   std::wstring path_text;    // value of -filter_path; stored only
   std::wstring raw_text;     // the whole piece, lower-cased
   std::wstring match_text;   // the piece without its stars and its stream part
-  std::wstring stream_text;  // what stands behind the first colon
+  std::wstring stream_text;  // what follows the first colon
   std::vector<uint8_t> sig_bytes;
   uint64_t sig_offset = 0;  // in bytes from the file's start
   bool is_path = false;     // match_text begins with "/"

@@ -26,7 +26,7 @@ inline void store_le32(uint8_t* bytes, uint32_t value) {
 }
 
 // The bytes from `begin` up to the first NUL, or up to `end` if there is none before it.
-// Borrows them. `begin` must not lie behind `end`.
+// Borrows them. `begin` must not lie after `end`.
 inline std::string_view bounded_string(const uint8_t* begin, const uint8_t* end) {
   const auto most = static_cast<size_t>(end - begin);
   const void* nul = most == 0 ? nullptr : std::memchr(begin, 0, most);

@@ -1,4 +1,4 @@
-// Where lines of text go, whatever stands behind it.
+// Where lines of text are written: a file's buffer or any stream.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@ class line_sink {
  public:
   virtual ~line_sink() = default;
 
-  // Memory that is lent for the next line, to compose it where it will stand. May be empty.
+  // Memory that is lent for the next line, to compose it in place. May be empty.
   virtual std::span<char> space() = 0;
 
   // Takes the line in the first `count` bytes of that memory.

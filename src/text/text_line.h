@@ -12,8 +12,8 @@
 
 namespace zk {
 
-// It stands in memory that its sink lends, or where that is too narrow, in memory of its own. That
-// is kept, so that only a line longer than all before it takes more.
+// It is composed in memory that its sink lends, or where that is too small, in its own. That is
+// kept, so that only a line longer than all before it takes more.
 class text_line {
  public:
   // The sink is borrowed.
@@ -38,14 +38,14 @@ class text_line {
     used += text.size();
   }
   // For a writer that knows only how long its text is at most: `write` gets the place of the next
-  // byte and returns the one behind its text. It must not write more than `most` bytes.
+  // byte and returns the one after its text. It must not write more than `most` bytes.
   template <class Writer>
   void put(size_t most, Writer write) {
     char* const begin = space_for(most);
 #ifdef NDEBUG
     used += static_cast<size_t>(write(begin) - begin);
 #else
-    // In memory of just that size, where a write behind it shows.
+    // In memory of just that size, where a write beyond it shows.
     std::vector<char> text(most + 1, guard);
     const auto size = static_cast<size_t>(write(text.data()) - text.data());
     assert(size <= most && text[most] == guard);

@@ -6,9 +6,9 @@
 namespace zk {
 
 // Replaces each %NAME% in `text` by the variable's value, in place, and returns the text. A value
-// is expanded in turn. A set but empty variable counts; an unknown name stays as it stands, but
+// is expanded in turn. A set but empty variable counts; an unknown name stays as it is, but
 // for %vss% with `allow_vss`, which becomes shadow_copy_prefix(false, true). A text longer than
-// 512 characters isn't touched, and expansion stops where it grows past that. Values that name each
+// 512 characters isn't touched, and expansion stops where it grows longer. Values that name each
 // other in a circle end after about a million replacements.
 std::string& expand_environment(std::string& text, bool allow_vss);
 

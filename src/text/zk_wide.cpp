@@ -9,7 +9,7 @@ namespace zk {
 
 namespace {
 
-// Takes the code point at `i` and moves `i` behind it. False where the bytes fit no sequence.
+// Takes the code point at `i` and moves `i` after it. False where the bytes fit no sequence.
 bool take_code(std::string_view text, size_t& i, uint32_t& code) {
   const auto lead = static_cast<uint8_t>(text[i++]);
   code = lead;

@@ -19,7 +19,7 @@ constexpr auto leap_days_through(auto year) {
   return year / 4 - year / 100 + year / 400;
 }
 
-// The last zero-based day of the year in each month, behind a leading -1.
+// The last zero-based day of the year in each month, after a leading -1.
 inline constexpr int last_day_common[] = {-1,  30,  58,  89,  119, 150, 180,
                                           211, 242, 272, 303, 333, 364};
 inline constexpr int last_day_leap[] = {-1,  30,  59,  90,  120, 151, 181,
@@ -66,7 +66,7 @@ inline void set_fields(_windows_systemtime& fields, uint64_t ft) {
   fields.nanosecond = ticks * 100ULL;
 }
 
-// The same of a DOS pair, as it stands. False if a part is out of its range. Any day from 1 to 31
+// The same of a DOS pair, unchanged. False if a part is out of its range. Any day from 1 to 31
 // is in it.
 inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
   fields.year = static_cast<uint16_t>((pair.date >> 9) + 1980);
@@ -85,7 +85,7 @@ inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
 inline bool is_shown(uint64_t ft) {
   constexpr uint64_t year_1900 = ntp_epoch_filetime;
   constexpr uint64_t year_3001 = 441796896000000000;
-  const uint64_t since_1970 = ft - unix_epoch_filetime;  // very large ahead of it
+  const uint64_t since_1970 = ft - unix_epoch_filetime;  // very large for earlier times
   if (since_1970 < ticks_per_second) return false;
   if (ft - year_1900 < year_3001 - year_1900) return true;
   // Rejected, unless local time is still in 3000.
@@ -93,8 +93,8 @@ inline bool is_shown(uint64_t ft) {
   return unix_to_local_tm(static_cast<int64_t>(since_1970 / ticks_per_second), local);
 }
 
-// The date that a DOS pair's stands for: a day past the end of its month runs on into the next. The
-// year stays.
+// The date that a DOS pair means: a day after the end of its month runs on into the next. The year
+// stays.
 // Deliberate: March to December 2000 come out one day early, see tm_to_filetime.
 calendar_date normalized_dos_date(calendar_date date);
 

@@ -18,7 +18,7 @@ namespace zk {
 // "Jan" to "Dec" for 1 to 12, else empty. English at all times.
 std::string_view month_abbreviation(int month);
 
-// "00" to "99", one behind the other.
+// "00" to "99", one after the other.
 constexpr std::array<char, 200> make_two_digits() {
   std::array<char, 200> digits = {};
   for (size_t i = 0; i < digits.size(); ++i) {
@@ -38,7 +38,7 @@ inline void put_two_digits(char* at, uint32_t value) {
 // A date mask holds "yyyy" or "yy", "mmm" (English abbreviation) or "mm", "dd", and one of "/",
 // "-" and " " as separator, "/" if it has none. It tells which of day and month comes first, and
 // whether the year leads; without all three parts the date is month/day/year. With the separator
-// " ", a "," at or behind "dd" puts a comma behind the day. A time mask holds "hh:mm", "ss" and
+// " ", a "," at "dd" or later puts a comma after the day. A time mask holds "hh:mm", "ss" and
 // "xxx", a fraction with as many digits as lie from its first "x" to the mask's last. All else in
 // a mask is ignored, and an empty one gives no text.
 class masked_format {
@@ -47,7 +47,7 @@ class masked_format {
   masked_format(const std::string& date_mask, const std::string& time_mask,
                 std::string_view separator = {}, std::string_view label = {});
 
-  // Writes a valid time at `at`, where there must be `space` bytes, and returns the place behind
+  // Writes a valid time at `at`, where there must be `space` bytes, and returns the place after
   // the text.
   char* put(char* at, const _windows_systemtime& fields) const;
   size_t space() const { return form.size(); }

@@ -73,7 +73,7 @@ class time {
   // invalid, and then it keeps whatever was derived so far.
   void set_value(uint64_t value, type_time type);
   void set_now();
-  // A day past the end of its month runs on into the next.
+  // A day after the end of its month runs on into the next.
   // Deliberate: March to December 2000 come out one day early, see tm_to_filetime.
   void set_dos(dos_pair pair, bool is_utc);
   // Returns `valid`. With `is_utc` false the fields are local time, and must lie after 1970.
@@ -103,7 +103,7 @@ uint64_t tm_to_filetime(std::tm& fields, int milliseconds);
 // The FILETIME of calendar fields, down to the millisecond, by the rule of tm_to_filetime.
 void systemtime_to_filetime(const _windows_systemtime& fields, uint64_t& ft);
 
-// What local time is ahead of UTC at this moment, in seconds. Looked up once in each second.
+// Local time minus UTC at this moment, in seconds. Looked up once in each second.
 int local_offset_seconds();
 
 // An NTP stamp: eight bytes in memory, seconds since 1900 and then their fraction, both

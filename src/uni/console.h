@@ -1,5 +1,5 @@
 // Messages and progress on standard error. Both share one terminal line: a progress line is
-// written over itself, and a message wipes the line first, whether or not anything stands there.
+// written over itself, and a message wipes the line first, whether or not anything is there.
 // All is flushed at once; failed writes are ignored.
 #pragma once
 
@@ -29,8 +29,8 @@ inline void clear_progress_line() {
 // Writes one progress line, cut at 60 characters.
 [[gnu::format(printf, 1, 2)]] void progress_percent(const char* format, ...);
 
-// Formats a text and cuts it at `limit` characters. Unless `raw`, a wipe goes before it and a CR
-// behind. Line feeds are removed. It goes to standard error, or else to standard output; raw text
+// Formats a text and cuts it at `limit` characters. Unless `raw`, it is written between a wipe
+// and a CR. Line feeds are removed. It goes to standard error, or else to standard output; raw text
 // there becomes the terminal's title. Returns the cut length.
 [[gnu::format(printf, 3, 0)]] int console_print(bool to_stderr, int limit, const char* format,
                                                 std::va_list arguments, bool raw);

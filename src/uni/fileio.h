@@ -69,20 +69,20 @@ class fileio {
   int descriptor() const { return fd; }
 
   // Reads at most `count` bytes from `offset` with one system read, and sets `count` to what came,
-  // which may be less. False where nothing is open or `offset` is at or past the size, with `count`
-  // as it was, and where the read fails, with `count` all ones.
+  // which may be less. False where nothing is open or `offset` is at or beyond the size, with
+  // `count` as it was, and where the read fails, with `count` all ones.
   [[nodiscard]] bool read_at(void* buffer, uint32_t& count, int64_t offset) const;
   // The same for a 64-bit count, which must fit 32 bits. Where it does, false sets it to 0.
   [[nodiscard]] bool read_at_wide(void* buffer, uint64_t& count, int64_t offset) const;
 
   // Reads `count` bytes from `offset`, or as many as the file has, into `out`. On a short read
   // `out` shrinks; if nothing came, it stays that many zeros. A count of 0 leaves `out` alone.
-  // False only where nothing is open, `offset` is at or past the size, or there isn't the memory.
+  // False only where nothing is open, `offset` is at or beyond the size, or there isn't the memory.
   [[nodiscard]] bool read_block(std::vector<uint8_t>& out, int64_t count, uint64_t offset) const;
 
   // Write `count` bytes at the end or at `offset` with one system write. False where nothing is
   // open, `bytes` is null or the write fails; a short write counts as done. In memory mode what
-  // lies past the block's end is appended to it.
+  // lies beyond the block's end is appended to it.
   [[nodiscard]] bool append(const void* bytes, uint32_t count);
   [[nodiscard]] bool write_at(const void* bytes, uint32_t count, uint64_t offset);
   // Appends the stream's text; true if there is none.
@@ -134,7 +134,7 @@ struct open_mode {
 open_mode open_mode_for(fileio::access access);
 
 // What the file system knows of a descriptor's bytes from `offset` on. Moves its position. Only
-// regular files have holes: a folder can measure 2^63-1 bytes, and would seem to be one.
+// regular files have holes: a folder can measure 2^63-1 bytes, and would be taken for a hole.
 stretch stretch_of(int fd, uint64_t offset);
 
 // Whether two descriptors are of the same file, so that what is written to one is mixed with what

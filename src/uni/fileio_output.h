@@ -38,7 +38,8 @@ class streambuf_generic_output : public std::basic_streambuf<Char, Traits> {
   // Writes `count` characters. Returns how many were written, -1 if none could be.
   virtual int write_bytes(const Char* data, int count) = 0;
 
-  // Writes what the buffer holds. 0, or -1 if that failed. Derived classes call it as they go.
+  // Writes what the buffer holds. 0, or -1 if that failed. Derived classes call it in their
+  // destructors.
   virtual int flush_buffer() {
     if (!ready) return 0;
     return Traits::eq_int_type(overflow(Traits::eof()), Traits::eof()) ? -1 : 0;
@@ -88,7 +89,7 @@ class fileio_ostream : public streambuf_generic_output<char> {
   bool file_was_open() const { return was_open; }
 
  protected:
-  // Deliberate: flushing the stream, as each row's end does, writes nothing.
+  // Deliberate: flushing writes nothing, so that blocks stay whole.
   int sync() override { return 0; }
   int write_bytes(const char* data, int count) override;
 

@@ -11,11 +11,16 @@ namespace uni {
 // of its disk. Empty if there is none.
 std::string device_folder(dev_t device);
 
-// Whether bytes written to `output` may come back from `input`, both being open descriptors: they
-// are the same file, or `input` is a block device on which, as /sys tells, the file system of
-// `output` lies: on the device itself, on a partition of it, or on the disk that it is a partition
-// of. What else may stand between them, such as a loop device over an image, LVM, encryption or a
-// pipe, isn't known. False too where the system doesn't tell.
+// Whether bytes written to `output` may come back from `input`, both being open descriptors. So if
+//
+// - they are the same file, or
+// - `input` is a block device, and `output` is or lies on, as /sys tells,
+//   - the device itself,
+//   - a partition of it, or
+//   - the disk that it is a partition of.
+//
+// What else may lie between them isn't known: a loop device over an image, LVM, encryption, an
+// overlay file system, a pipe. False too where the system doesn't tell.
 [[nodiscard]] bool writes_reach(int output, int input);
 
 }  // namespace uni

@@ -13,7 +13,7 @@ class stdin_stream {
   virtual ~stdin_stream() = default;
 
   // Reads the next line, or the next 4095 characters of a longer one, into `out`, without its
-  // line end if `strip_line_end` is set. Text behind a NUL is lost. False at the end of input, with
+  // line end if `strip_line_end` is set. Text after a NUL is lost. False at the end of input, with
   // `out` empty.
   virtual bool read_line(std::string& out, bool strip_line_end);
 

@@ -5,13 +5,13 @@
 
 namespace uni {
 
-// What a source knows of the bytes from a place on, up to `end`, an offset behind that place.
+// What a source knows of the bytes from a place on, up to `end`, an offset after that place.
 struct stretch {
   uint64_t end;
   bool zeros;  // nothing is stored there; false also where that isn't known
 };
 
-// For a reader that goes forward. The source, which is borrowed and has a member
+// For a reader that moves forward. The source, which is borrowed and has a member
 // `stretch stretch_at(uint64_t offset) const`, is asked once for each stretch.
 template <class Source>
 class stretch_finder {

@@ -31,7 +31,7 @@ std::map<std::string, std::set<std::string>>& declared_kinds();
 // Throws the error of the first case whose kind isn't among these.
 void require_known(const std::vector<test_case>& cases, const std::set<std::string>& kinds);
 
-// Where two texts part: both, one below the other, and a mark below the first place that differs.
+// Where two texts differ: both, one below the other, and a mark below the first place that does.
 std::string difference(const std::string& expected, const std::string& actual);
 
 // One kind of case. Declares it as it is constructed, before any test runs.

@@ -1,4 +1,4 @@
-// A folder that goes with its test, and files in it.
+// A folder that is removed after its test, and files in it.
 #pragma once
 
 #include <cstdint>

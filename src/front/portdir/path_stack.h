@@ -46,7 +46,7 @@ class path_stack {
   };
 
   std::vector<folder_names> folders;
-  std::string names;  // one behind the other, a NUL ahead of each
+  std::string names;  // one after the other, a NUL before each
 };
 
 }  // namespace zkportdir

@@ -25,7 +25,7 @@ class stdin_stream_ex : public uni::stdin_stream {
   // isn't there gives an empty walk.
   bool open_walk(const std::string& folder, uint32_t num_subdirs, const filter_list& filters);
 
-  // The next path. A walk's has no line end; that of a line goes if `strip_line_end` is set. False
+  // The next path. A walk's has no line end; a line loses its own if `strip_line_end` is set. False
   // at the end, with `out` empty.
   virtual bool getline(std::string& out, bool strip_line_end);
 
@@ -40,7 +40,7 @@ class stdin_stream_ex : public uni::stdin_stream {
   uint32_t max_depth = 1;
   filter_list walk_filters;
   bool walking = false;
-  cmd_params no_span;  // a walk tests no times
+  cmd_params no_span;  // the driver tests times, when it gets the path
 };
 
 }  // namespace zkportdir

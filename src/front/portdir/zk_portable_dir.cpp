@@ -25,7 +25,7 @@ namespace {
 
 constexpr const char* every_name = "*.*";
 
-// A file name's two parts, around its last dot. An empty part stands for "*" in a pattern.
+// A file name's two parts, around its last dot. An empty part of a pattern means "*".
 struct name_parts {
   std::string name;
   std::string extension;
@@ -51,9 +51,9 @@ bool fits(const _DIR_NODE_STL& node, const name_parts& pattern) {
          part_fits(pattern.name, parts.name);
 }
 
-// Tells folders from files. An entry whose type can't be had counts as the one before it did, the
-// first one as a file.
-// Deliberate: so does one whose path is longer than the system takes, though the listing may tell.
+// Tells folders from files. If a type can't be read, the previous entry's type is used, and for the
+// first entry that of a file.
+// Deliberate: also for a path that is too long for the system, though the listing may tell.
 class entry_types {
  public:
   entry_types(DIR* stream, const std::string& folder)
@@ -64,7 +64,7 @@ class entry_types {
     listing_tells = !by_path && ::fstatat(descriptor, ".", &facts, 0) == 0;
   }
 
-  // Whether the entry is a folder. `path` is the folder's text with the entry's name behind it.
+  // Whether the entry is a folder. `path` is the folder's text followed by the entry's name.
   bool is_dir(const dirent& entry, const std::string& path) {
     if (path.size() >= PATH_MAX) return last_is_dir;
     struct stat facts;
@@ -83,7 +83,9 @@ class entry_types {
   }
 
   int descriptor;
-  bool by_path;  // asks about the joined path, which isn't in the folder if that was cut at a star
+  // Asks about the joined path: the folder was cut at a star, so that this path isn't in it, or
+  // ends in a backslash.
+  bool by_path;
   bool listing_tells;
   bool last_is_dir = false;
 };

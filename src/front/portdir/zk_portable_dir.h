@@ -25,9 +25,9 @@ using node_sink = std::function<void(const _DIR_NODE_STL&)>;
 // backslash. False if there are no entries or the folder can't be read.
 bool read_folder(const std::string& folder, bool dirs_only, bool slash, const node_sink& take);
 
-// Replaces each path with a folder "*" in it by one path for each real folder in that place; a path
-// without any, and one that is in `expanded` already, becomes empty. False if there was nothing to
-// do; else call again, for the next "*".
+// Replaces each path with a folder "*" in it by one path for each real folder in that place. A
+// starred path that matches no folder, or is in `expanded` already, becomes empty. False if no path
+// had a star; else call again, for the next one.
 bool expand_wild_folders(std::vector<std::string>& folders, bool slash,
                          std::set<std::string>& expanded);
 

@@ -102,8 +102,6 @@ if [ "$corpus" ]; then
   cp -r monday friday
 fi
 
-# A database of an earlier case.
-! needed sqlite3 || sqlite3 case.db 'CREATE TABLE cells (url)' "INSERT INTO cells VALUES ('old')"
 if needed parallel; then
   mkdir -p many/{1..200}
   tee many/{1..200}/index.dat <index.dat >/dev/null

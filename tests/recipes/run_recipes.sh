@@ -66,7 +66,7 @@ done
 needed() { grep -qw -e "$1" "$dir/packages"; }
 
 # As installed to a folder like /usr/local.
-cp "$udx" bin
+cp "$udx" "$source/case/udx-case" bin
 mkdir share
 ln -s "$source/case" share/udx
 cd work

@@ -18,4 +18,5 @@ echo "checking that each file includes what it uses"
 texts=$(printf -- '-D%s="" ' UDX_VERSION UDX_PROGRAM UDX_SOURCE UDX_SHIM UDX_PRELOAD)
 find src tools bench fuzz tests -name '*.h' -o -name '*.cpp' |
   quietly xargs -P2 -I{} clang-tidy-19 --quiet --checks='-*,misc-include-cleaner' {} -- \
-    -x c++ -std=c++20 -Wno-pragma-once-outside-header -I. -Isrc $texts -DUDX_EMULATED=0
+    -x c++ -std=c++20 -Wno-pragma-once-outside-header -I. -Isrc $texts \
+    -DUDX_EMULATED=0 -DUDX_SANITIZED=0

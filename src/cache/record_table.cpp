@@ -25,7 +25,7 @@ record_table::kept_row::kept_row(const cache_row& from) : row(from) {
 
 void record_table::add(const cache_row& row) {
   assert(row.offset >= first_searched);
-  release_ahead_of(std::min(row.offset, first_open));
+  release_before(std::min(row.offset, first_open));
   auto place = rows.end();
   if (!rows.empty() && rows.back().row.offset >= row.offset) {
     // Only an overlap brings a row again, or one that belongs before others.
@@ -48,7 +48,7 @@ void record_table::end_input() {
   for (; !rows.empty(); rows.pop_front()) take_final(rows.front().row);
 }
 
-void record_table::release_ahead_of(uint64_t offset) {
+void record_table::release_before(uint64_t offset) {
   for (; !rows.empty() && rows.front().row.offset < offset; rows.pop_front()) {
     take_final(rows.front().row);
   }

@@ -37,7 +37,7 @@ class record_table {
   void next_chunk_at(uint64_t position);
 
   // Tells that the chunk's search has ended, or that of the whole input.
-  void end_chunk() { release_ahead_of(first_open); }
+  void end_chunk() { release_before(first_open); }
   void end_input();
 
  private:
@@ -48,7 +48,7 @@ class record_table {
     std::unique_ptr<char[]> texts;
   };
 
-  void release_ahead_of(uint64_t offset);
+  void release_before(uint64_t offset);
 
   std::deque<kept_row> rows;
   row_taker take_final;

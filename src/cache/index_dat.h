@@ -95,8 +95,8 @@ bool read_header(cache_container& container, const uint8_t* bytes, uint32_t size
 // Deliberate: a span that ends exactly at the end, and one at the very start, give 0 too.
 uint32_t range_fits(const uint8_t* base, const uint8_t* span, uint64_t need, uint64_t size);
 
-// Sets the record's `file_kind` from its `input_path`; the case counts. False if no name matched,
-// or there is no path, which leaves the kind alone.
+// Sets `opts.file_kind` by `opts.input_path`; the case counts. False if no name matched, which
+// makes it `other`, or there is no path, which leaves it alone.
 bool classify_path(cmd_opts& opts);
 
 // Appends the names of the directory table. False if it doesn't fit.

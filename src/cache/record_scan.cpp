@@ -20,9 +20,8 @@ bool add_record(record_table& table, const cmd_opts& opts, uint8_t* bytes, uint3
   if (decode_url_record(url, bytes, 0, limit, 1)) {
     return url.block_count() < too_many_blocks && add(row_from_url(url, opts));
   }
-  // The count is tested first: to seek the end of a string in noise, for each of many candidates,
-  // takes quadratic time. A count below ten has zero bytes, so an earlier record's URL ends at the
-  // next accepted candidate: the total is linear.
+  // The count is tested first. Else each false candidate in noise would search for a distant NUL,
+  // which is quadratic. A count below ten has zero bytes, which end any earlier record's URL.
   if (limit < redr_layout::fixed_size) return false;
   if (zk::load_le32(bytes + redr_layout::block_count) >= too_many_blocks) return false;
   redr_record redr;

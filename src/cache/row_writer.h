@@ -1,6 +1,6 @@
-// Writes the header line and the rows: one line of delimited text for each, always with the same
-// number of cells. No cell is quoted; what keeps a separator out of one is the way in which texts
-// are shown, and that is fixed to the comma.
+// Writes the header line and the rows: one line of delimited text for each, with 17 cells. No cell
+// is quoted. URLs, file names and headers are shown without commas; all other texts, and all other
+// separators, go out as they are and can split a row.
 #pragma once
 
 #include <cstdint>
@@ -14,8 +14,8 @@
 #include "text/text_line.h"
 #include "time/time_format.h"
 
-// Serves the rows of one input, that which `opts` names as it is made. Sink, options and names are
-// borrowed.
+// Writes the rows of one input: the one that `opts` names at construction. Sink, options and names
+// are borrowed.
 class row_writer {
  public:
   // `directories` are the names of the input's cache directories, once they are known.

@@ -131,7 +131,7 @@ int run_list(zk::line_sink& out, cmd_opts& opts) {
   std::string path;
   std::string folder;
   std::string name;
-  bool unreadable = false;  // such a file is left out
+  bool unreadable = false;  // set by filter_match, which doesn't take such a file
   while (paths.getline(path, true)) {
     file_stat stat;  // not loaded, so that each path's file is asked anew
     if (!filter_match(opts, unreadable, path, opts.filters, &stat)) continue;

@@ -32,7 +32,6 @@ bool scan_file_blocks(const uni::fileio& file, const block_callback& callback, u
 
 // Hands the bytes of `disk` before `end` on in the same way. Each read asks for a whole block,
 // also the one at the end. A block whose read fails comes without bytes, and the next one
-// doesn't overlap it. A short read leaves the rest of the block as it was; if it brings no more
-// than the overlap, later blocks have none.
+// doesn't overlap it. A short read leaves the rest of the block as it was.
 void scan_disk_blocks(const RAW_DISK_IO& disk, const block_callback& callback, uint32_t block_size,
                       uint32_t overlap, uint64_t end);

@@ -42,8 +42,8 @@ class VMDK_EXTENT {
   // The size of the virtual disk in bytes, by this extent's header.
   uint64_t capacity_bytes() const;
 
-  // What a hostile header can make the directory and the tables take. Four million tables of the
-  // usual size are a disk of 128 TiB.
+  // What a hostile header can make the directory and the tables take. Tables of the usual sizes may
+  // be those of a disk of 4 TiB.
   static constexpr uint64_t largest_directory = 16ULL << 20;
   static constexpr uint64_t largest_tables = 256ULL << 20;
 

@@ -12,8 +12,8 @@
 
 namespace zk {
 
-// It is composed in memory that its sink lends, or where that is too small, in its own. That is
-// kept, so that only a line longer than all before it takes more.
+// It is composed in memory that its sink lends, or where that is too small, in a buffer of its own,
+// which is reused and grows only for a longer line.
 class text_line {
  public:
   // The sink is borrowed.

@@ -66,8 +66,7 @@ inline void set_fields(_windows_systemtime& fields, uint64_t ft) {
   fields.nanosecond = ticks * 100ULL;
 }
 
-// The same of a DOS pair, unchanged. False if a part is out of its range. Any day from 1 to 31
-// is in it.
+// The same for a DOS pair, as stored: 31 February passes. False if a part is out of its range.
 inline bool set_fields(_windows_systemtime& fields, dos_pair pair) {
   fields.year = static_cast<uint16_t>((pair.date >> 9) + 1980);
   fields.month = pair.date >> 5 & 15;
@@ -98,8 +97,8 @@ inline bool is_shown(uint64_t ft) {
 // Deliberate: March to December 2000 come out one day early, see tm_to_filetime.
 calendar_date normalized_dos_date(calendar_date date);
 
-// The fields that masks print. False, with no field to be read, where a `time` that the value is
-// loaded into isn't valid.
+// The fields that masks print. False, and then they must not be read, where a `time` with the same
+// value isn't valid.
 inline bool shown_fields(uint64_t ft, _windows_systemtime& fields) {
   if (!is_shown(ft)) return false;
   set_fields(fields, ft);

@@ -38,9 +38,9 @@ inline void put_two_digits(char* at, uint32_t value) {
 // A date mask holds "yyyy" or "yy", "mmm" (English abbreviation) or "mm", "dd", and one of "/",
 // "-" and " " as separator, "/" if it has none. It tells which of day and month comes first, and
 // whether the year leads; without all three parts the date is month/day/year. With the separator
-// " ", a "," at "dd" or later puts a comma after the day. A time mask holds "hh:mm", "ss" and
-// "xxx", a fraction with as many digits as lie from its first "x" to the mask's last. All else in
-// a mask is ignored, and an empty one gives no text.
+// " " and the month before the day, a "," at "dd" or later puts a comma after the day. A time mask
+// holds "hh:mm", "ss" and "xxx", a fraction with as many digits as lie from its first "x" to the
+// mask's last, at most 9. All else in a mask is ignored, and an empty one gives no text.
 class masked_format {
  public:
   // A separator will follow the date and the time of day, and a label any time that isn't empty.

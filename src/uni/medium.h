@@ -11,14 +11,9 @@ namespace uni {
 // of its disk. Empty if there is none.
 std::string device_folder(dev_t device);
 
-// Whether bytes written to `output` may come back from `input`, both being open descriptors. So if
-//
-// - they are the same file, or
-// - `input` is a block device, and `output` is or lies on, as /sys tells,
-//   - the device itself,
-//   - a partition of it, or
-//   - the disk that it is a partition of.
-//
+// Whether bytes written to `output` may come back from `input`, both being open descriptors. True
+// if they are the same file; or if `input` is a block device, and `output` is that device or a file
+// on it, or the same of a partition of it or of the disk that it is a partition of, as /sys tells.
 // What else may lie between them isn't known: a loop device over an image, LVM, encryption, an
 // overlay file system, a pipe. False too where the system doesn't tell.
 [[nodiscard]] bool writes_reach(int output, int input);

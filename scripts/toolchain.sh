@@ -48,4 +48,5 @@ declare -A machines=([aarch64]=aarch64-linux-gnu [s390x]=s390x-linux-gnu
 test_tools=(strace=strace sqlite3=sqlite3 gnuplot=gnuplot-nox chromium=chromium
   qemu-img=qemu-utils ewfexport=ewf-tools xmount=xmount nbdfuse=libnbd-bin fusermount=fuse3
   tsk_recover=sleuthkit mcopy=mtools ddrescue=gddrescue
+  addpart=util-linux-extra /usr/sbin/mkfs.ext4=e2fsprogs
   parallel=parallel /usr/sbin/sshd=openssh-server ssh=openssh-client)

@@ -93,6 +93,14 @@ mounted() {
     ! touch x 2>/dev/null && exec "$@"' sh "$@"
 }
 
+# Whether on_device can run here.
+has_devices() {
+  for tool in losetup addpart delpart blockdev mkfs.ext4; do
+    command -v $tool >/dev/null || return
+  done
+  losetup -f
+}
+
 # Searches a disk of nothing but records with results in a file system on it, either on all of the
 # loop device or on its partition p1, and fails if rows are lost.
 on_device() {
